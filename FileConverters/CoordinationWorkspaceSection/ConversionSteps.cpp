@@ -1,0 +1,217 @@
+#include "FileConverters/CoordinationWorkspaceSection/ConversionSteps.h"
+
+#include "FileConverters/CoordinationWorkspaceSection/CoordWorkSpaceSectionConverter0_3.h"
+#include "ZelMain/FrequencyCompatibility/QtPkCompatProfile.h"
+
+#include <QDomDocument>
+
+#include <array>
+
+namespace {
+
+const QMap<QString, QString> ProfileNameConversionTable = {
+    {QStringLiteral("robust"), QStringLiteral("Robust")},
+    {QStringLiteral("median"), QStringLiteral("Standard")},
+    {QStringLiteral("quantity"), QStringLiteral("More Frequencies")},
+};
+
+const CompatConfigFlags ALL_FLAGS =
+    KEEP_CH_CH | KEEP_IMD_2T3O | KEEP_IMD_2T5O | KEEP_IMD_2T7O | KEEP_IMD_2T9O | KEEP_IMD_3T3O;
+
+struct SpacingFlag
+{
+    CompatConfigFlag flag;
+    char const* element; // that clears the flag
+    int PkCompatProfile::*spacing;
+};
+
+// The channel-to-channel spacing has no element: every system needs it, so no document can switch
+// it off.
+constexpr std::array<SpacingFlag, 6> SPACING_FLAGS = {{
+    {KEEP_CH_CH, nullptr, &PkCompatProfile::chCh},
+    {KEEP_IMD_2T3O, "imd_2t3o", &PkCompatProfile::imd2t3o},
+    {KEEP_IMD_2T5O, "imd_2t5o", &PkCompatProfile::imd2t5o},
+    {KEEP_IMD_2T7O, "imd_2t7o", &PkCompatProfile::imd2t7o},
+    {KEEP_IMD_2T9O, "imd_2t9o", &PkCompatProfile::imd2t9o},
+    {KEEP_IMD_3T3O, "imd_3t3o", &PkCompatProfile::imd3t3o},
+}};
+
+// The element after the whole of this one's subtree in document order; null at the end.
+QDomElement nextAfterSubtree(QDomElement const& element)
+{
+    for (QDomNode node = element; !node.isNull(); node = node.parentNode()) {
+        const QDomElement sibling = node.nextSiblingElement();
+        if (!sibling.isNull()) {
+            return sibling;
+        }
+    }
+    return {};
+}
+
+QDomElement nextInDocumentOrder(QDomElement const& element)
+{
+    const QDomElement child = element.firstChildElement();
+    return child.isNull() ? nextAfterSubtree(element) : child;
+}
+
+void takeFirst(QDomElement& place, QDomElement const& element)
+{
+    if (place.isNull()) {
+        place = element;
+    }
+}
+
+// Notes the element if it is one of the section's places.
+void notePlace(ConversionSteps::OldSection& section, QDomElement const& element,
+               QString const& name)
+{
+    if (name == QLatin1String("compat_config")) {
+        section.configurations.push_back(element);
+    } else if (name == QLatin1String("compat_profile")) {
+        section.profiles.push_back(element);
+    } else if (name == QLatin1String("mic_channels")) {
+        takeFirst(section.micChannels, element);
+    } else if (name == QLatin1String("compat_profiles")) {
+        takeFirst(section.compatProfiles, element);
+    } else if (name == QLatin1String("compatibility_levels")) {
+        takeFirst(section.compatLevels, element);
+    } else if (name == QLatin1String("compat_configs")) {
+        takeFirst(section.compatConfigs, element);
+    }
+}
+
+void clearSwitchedOff(QDomElement const& compatFlags, CompatConfigFlags& flags)
+{
+    for (QDomElement child = compatFlags.firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement()) {
+        for (SpacingFlag const& spacing : SPACING_FLAGS) {
+            if (spacing.element != nullptr && child.tagName() == QLatin1String(spacing.element) &&
+                child.text().toInt() == 0) {
+                flags &= ~CompatConfigFlags(spacing.flag);
+            }
+        }
+    }
+}
+
+} // namespace
+
+// One walk over the document instead of a search for each name: the walk is most of what a
+// conversion adds to reading and printing a document.
+std::optional<ConversionSteps::OldSection>
+ConversionSteps::findOldSection(QDomDocument const& document)
+{
+    OldSection section;
+    QDomElement behindSection;
+    bool inside = false;
+    for (QDomElement element = document.firstChildElement(); !element.isNull();
+         element = nextInDocumentOrder(element)) {
+        const QString name = element.tagName();
+        if (name == QLatin1String("coordinated_data_root")) {
+            if (!section.root.isNull()) {
+                return std::nullopt;
+            }
+            section.root = element;
+            behindSection = nextAfterSubtree(element);
+            inside = true;
+        } else {
+            inside = inside && element != behindSection;
+            if (inside) {
+                notePlace(section, element, name);
+            }
+        }
+    }
+    if (section.root.isNull()) {
+        return std::nullopt;
+    }
+    return section;
+}
+
+ConversionSteps::KeysByProfileId ConversionSteps::readChannels(QDomElement const& micChannels)
+{
+    KeysByProfileId keys;
+    for (QDomElement channel = micChannels.firstChildElement(); !channel.isNull();
+         channel = channel.nextSiblingElement()) {
+        CompatSystemUniqueKey key;
+        QString profileId;
+        for (QDomElement child = channel.firstChildElement(); !child.isNull();
+             child = child.nextSiblingElement()) {
+            const QString name = child.tagName();
+            if (name == QLatin1String("compat_key")) {
+                CoordWorkSpaceSectionConverter0_3::CompatKeyParser(child, key);
+            } else if (name == QLatin1String("compat_prof_id")) {
+                profileId = child.text();
+            }
+        }
+        keys.insert(profileId, key);
+    }
+    return keys;
+}
+
+ConversionSteps::FlagsByKey
+ConversionSteps::readConfigurations(std::vector<QDomElement> const& configurations)
+{
+    FlagsByKey flagsByKey;
+    for (QDomElement const& configuration : configurations) {
+        CompatSystemUniqueKey key;
+        CompatConfigFlags flags = ALL_FLAGS;
+        for (QDomElement child = configuration.firstChildElement(); !child.isNull();
+             child = child.nextSiblingElement()) {
+            const QString name = child.tagName();
+            if (name == QLatin1String("profile")) {
+                CoordWorkSpaceSectionConverter0_3::CompatKeyParser(child, key);
+            } else if (name == QLatin1String("compat_flags")) {
+                clearSwitchedOff(child, flags);
+            }
+        }
+        flagsByKey.insert(key, flags);
+    }
+    return flagsByKey;
+}
+
+ConversionSteps::ProfilesById
+ConversionSteps::readProfiles(std::vector<QDomElement> const& profiles)
+{
+    ProfilesById profilesById;
+    for (QDomElement const& element : profiles) {
+        QtPkCompatProfile profile;
+        profile.Import(element);
+        profile.name = newProfileName(element.attribute(QStringLiteral("name"))).toStdString();
+        profilesById.insert(element.attribute(QStringLiteral("id")), profile);
+    }
+    return profilesById;
+}
+
+QString ConversionSteps::newProfileName(QString const& oldName)
+{
+    return ProfileNameConversionTable.value(oldName);
+}
+
+ConversionSteps::ProfilesByKey ConversionSteps::joinByProfileId(KeysByProfileId const& keys,
+                                                                ProfilesById const& profiles)
+{
+    ProfilesByKey joined;
+    if (keys.size() == profiles.size()) {
+        for (auto entry = keys.begin(); entry != keys.end(); ++entry) {
+            joined.insert(entry.value(), profiles.value(entry.key()));
+        }
+    }
+    return joined;
+}
+
+ConversionSteps::ProfilesByKey ConversionSteps::applyFlags(FlagsByKey const& flags,
+                                                           ProfilesByKey const& profiles)
+{
+    ProfilesByKey applied;
+    if (flags.size() == profiles.size()) {
+        for (auto entry = flags.begin(); entry != flags.end(); ++entry) {
+            PkCompatProfile profile = profiles.value(entry.key());
+            for (SpacingFlag const& spacing : SPACING_FLAGS) {
+                if (!entry.value().testFlag(spacing.flag)) {
+                    profile.*spacing.spacing = 0;
+                }
+            }
+            applied.insert(entry.key(), profile);
+        }
+    }
+    return applied;
+}

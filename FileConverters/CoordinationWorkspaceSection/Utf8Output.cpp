@@ -1,0 +1,74 @@
+#include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
+
+#include <QString>
+
+#include <array>
+#include <ostream>
+
+namespace {
+
+constexpr std::size_t SLICE_BYTES = 65536;
+constexpr std::ptrdiff_t MAX_CHARACTER_BYTES = 4;
+constexpr uint MAX_ASCII = 0x7F;
+constexpr uint MAX_TWO_BYTES = 0x7FF;
+constexpr uint MAX_THREE_BYTES = 0xFFFF;
+
+uint takeCharacter(const QChar*& next, const QChar* end)
+{
+    const QChar first = *next++;
+    if (!first.isSurrogate()) {
+        return first.unicode();
+    }
+    if (first.isHighSurrogate() && next != end && next->isLowSurrogate()) {
+        return QChar::surrogateToUcs4(first, *next++);
+    }
+    return '?';
+}
+
+char* append(uint byte, char* out)
+{
+    *out = static_cast<char>(byte);
+    return out + 1;
+}
+
+// The byte that carries six bits of a character, from the given bit on.
+char* appendTrailing(uint character, unsigned int shift, char* out)
+{
+    return append(0x80U | ((character >> shift) & 0x3FU), out);
+}
+
+// A character beyond ASCII.
+char* encode(uint character, char* out)
+{
+    if (character <= MAX_TWO_BYTES) {
+        out = append(0xC0U | (character >> 6U), out);
+        return appendTrailing(character, 0, out);
+    }
+    if (character <= MAX_THREE_BYTES) {
+        out = append(0xE0U | (character >> 12U), out);
+    } else {
+        out = append(0xF0U | (character >> 18U), out);
+        out = appendTrailing(character, 12, out);
+    }
+    out = appendTrailing(character, 6, out);
+    return appendTrailing(character, 0, out);
+}
+
+} // namespace
+
+bool writeUtf8(const QString& text, std::ostream& stream)
+{
+    std::array<char, SLICE_BYTES> slice;
+    const QChar* next = text.constBegin();
+    while (next != text.constEnd() && stream) {
+        char* out = slice.data();
+        while (next != text.constEnd() &&
+               slice.data() + slice.size() - out >= MAX_CHARACTER_BYTES) {
+            out = next->unicode() <= MAX_ASCII ? append((next++)->unicode(), out)
+                                               : encode(takeCharacter(next, text.constEnd()), out);
+        }
+        stream.write(slice.data(), out - slice.data());
+    }
+    stream.flush();
+    return stream.good();
+}
