@@ -7,6 +7,8 @@
 #include <boost/uuid/uuid_io.hpp>
 #include <tinyxml2.h>
 
+#include <cstdio>
+
 using namespace CompatProfileFormat;
 
 namespace {
@@ -46,7 +48,15 @@ bool PkCompatProfile::Export(std::string const& path, bool /*compact*/) const
 {
     tinyxml2::XMLDocument document(true, tinyxml2::PRESERVE_WHITESPACE);
     Export(document, nullptr);
-    return document.SaveFile(path.c_str(), false) == tinyxml2::XML_SUCCESS;
+
+    // Saving by name would not tell that the disk was full.
+    std::FILE* const file = std::fopen(path.c_str(), "w");
+    if (file == nullptr) {
+        return false;
+    }
+    const bool saved =
+        document.SaveFile(file, false) == tinyxml2::XML_SUCCESS && std::ferror(file) == 0;
+    return std::fclose(file) == 0 && saved;
 }
 
 tinyxml2::XMLElement* PkCompatProfile::Export(tinyxml2::XMLDocument& doc,
