@@ -15,8 +15,11 @@ if(ZEL_HARDENING)
     check_pie_supported(LANGUAGES CXX)
 endif()
 
+# Only gcc writes objects that hold machine code beside what the optimiser reads, so that a program
+# built otherwise (a test, a foreign compiler) can link the library. Clang's would hold bitcode only.
 set(ZEL_IPO_SUPPORTED OFF)
-if(ZEL_LINK_TIME_OPTIMISATION AND NOT ZEL_SANITIZE AND NOT ZEL_COVERAGE)
+if(ZEL_LINK_TIME_OPTIMISATION AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU"
+        AND NOT ZEL_SANITIZE AND NOT ZEL_COVERAGE)
     check_ipo_supported(RESULT ZEL_IPO_SUPPORTED LANGUAGES CXX)
 endif()
 
@@ -62,16 +65,13 @@ function(zel_configure_target target)
         POSITION_INDEPENDENT_CODE ON)
 endfunction()
 
-# Link-time optimisation for what is shipped. The objects hold machine code too, so that a program
-# built otherwise (a test, a foreign compiler) can link the library.
+# Link-time optimisation for what is shipped.
 function(zel_optimise_whole_program target)
     if(ZEL_IPO_SUPPORTED)
         set_target_properties(${target} PROPERTIES
             INTERPROCEDURAL_OPTIMIZATION_RELEASE ON
             INTERPROCEDURAL_OPTIMIZATION_RELWITHDEBINFO ON)
-        if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-            target_compile_options(${target} PRIVATE
-                $<$<CONFIG:Release,RelWithDebInfo>:-ffat-lto-objects>)
-        endif()
+        target_compile_options(${target} PRIVATE
+            $<$<CONFIG:Release,RelWithDebInfo>:-ffat-lto-objects>)
     endif()
 endfunction()
