@@ -1,0 +1,154 @@
+#include "ZelMain/Frequency.h"
+
+#include <QByteArray>
+#include <QDebug>
+#include <QLocale>
+
+namespace {
+
+constexpr double KHZ_PER_MHZ = 1000.0;
+constexpr double KHZ_PER_GHZ = 1000000.0;
+
+// What users read most: down to the kilohertz in megahertz, to the hertz in kilohertz.
+constexpr int DECIMALS = 3;
+
+QString findBest()
+{
+    return QStringLiteral("Find Best");
+}
+
+QString withUnit(const QString& number, Frequency::FreqUnits units)
+{
+    return number + QLatin1Char(' ') + Frequency::stringFromUnits(units);
+}
+
+QString fixedPoint(const QLocale& locale, double value, int precision)
+{
+    return locale.toString(value, 'f', precision);
+}
+
+} // namespace
+
+QString Frequency::asKhzString(bool withUnits, int precision, bool dropOneZero) const
+{
+    if (readsFindBest()) {
+        return findBest();
+    }
+    QString text = fixedPoint(QLocale(), m_valueKhz, precision);
+    // Exactly one zero goes, even a whole one (470 kHz without decimals reads "47 kHz"), and only
+    // "0" itself, no zero of another script.
+    if (dropOneZero && text.endsWith(QLatin1Char('0'))) {
+        text.chop(1);
+    }
+    // The blank stays without its units: callers put their own word straight behind it.
+    return withUnits ? withUnit(text, kHz) : text + QLatin1Char(' ');
+}
+
+QString Frequency::asMhzString(bool withUnits, int precision) const
+{
+    if (readsFindBest()) {
+        return findBest();
+    }
+    // Users type megahertz back in, and typed text may not hold group separators. Only megahertz:
+    // the other two are read, not typed.
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    const QString text = fixedPoint(locale, inMhz(), precision);
+    return withUnits ? withUnit(text, MHz) : text;
+}
+
+QString Frequency::asGhzString(bool withUnits, int precision) const
+{
+    if (readsFindBest()) {
+        return findBest();
+    }
+    const QString text = fixedPoint(QLocale(), inGhz(), precision);
+    return withUnits ? withUnit(text, GHz) : text;
+}
+
+QString Frequency::inFittingUnits() const
+{
+    return m_valueKhz < KHZ_PER_MHZ ? asKhzString(true, DECIMALS, false)
+                                    : asMhzString(true, DECIMALS);
+}
+
+QString Frequency::toString() const
+{
+    return toString(true);
+}
+
+QString Frequency::toString(bool withSuffix) const
+{
+    if (readsFindBest()) {
+        return findBest();
+    }
+    QString text = inFittingUnits();
+    if (!m_keepTrailingZeros) {
+        AdjustTrailingZeros(text, 0, DECIMALS);
+    }
+    return withSuffix ? text + m_suffix : text;
+}
+
+QString Frequency::toString(bool trimZeros, bool withSuffix) const
+{
+    if (readsFindBest()) {
+        return findBest();
+    }
+    QString text = inFittingUnits();
+    if (trimZeros) {
+        AdjustTrailingZeros(text, 0, DECIMALS);
+    }
+    if (withSuffix) {
+        return text + m_suffix;
+    }
+    // Callers who ask for a text free of the suffix get none of it, even where the number happens
+    // to read like it.
+    return m_suffix.isEmpty() ? text : text.remove(m_suffix);
+}
+
+QString Frequency::toString(int, int, bool withSuffix) const
+{
+    if (readsFindBest()) {
+        return findBest();
+    }
+    const QString text = m_valueKhz < KHZ_PER_GHZ ? inFittingUnits() : asGhzString(true, DECIMALS);
+    return withSuffix ? text + m_suffix : text;
+}
+
+void Frequency::AdjustTrailingZeros(QString& text, int minDecimals, int maxDecimals)
+{
+    const int point = text.indexOf(QLocale().decimalPoint());
+    const bool hasAllDecimals = point >= 0 && maxDecimals >= 0 && maxDecimals < text.size() - point;
+    if (!hasAllDecimals) {
+        return;
+    }
+    int decimals = maxDecimals;
+    while (decimals > qMax(minDecimals, 0) && text.at(point + decimals) == QLatin1Char('0')) {
+        --decimals;
+    }
+    const int kept = decimals == 0 ? 0 : decimals + 1;
+    text.remove(point + kept, maxDecimals + 1 - kept);
+}
+
+QString Frequency::stringFromUnits(FreqUnits units)
+{
+    switch (units) {
+    case GHz:
+        return QStringLiteral("GHz");
+    case MHz:
+        return QStringLiteral("MHz");
+    case kHz:
+        return QStringLiteral("kHz");
+    case Hz:
+        return QStringLiteral("Hz");
+    default:
+        return QString();
+    }
+}
+
+QDebug operator<<(QDebug debug, const Frequency& frequency)
+{
+    const QString text =
+        QStringLiteral("[Frequency: ") + frequency.toString(true) + QStringLiteral("] - ");
+    return debug << text.toLocal8Bit().constData();
+}
