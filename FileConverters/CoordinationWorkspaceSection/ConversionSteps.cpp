@@ -36,49 +36,60 @@ constexpr std::array<SpacingFlag, 6> SPACING_FLAGS = {{
     {KEEP_IMD_3T3O, "imd_3t3o", &PkCompatProfile::imd3t3o},
 }};
 
-// The element after the whole of this one's subtree in document order; null at the end.
-QDomElement nextAfterSubtree(QDomElement const& element)
+// Finds the section's places in one walk, in document order, instead of a search for each name:
+// the walk is a good part of what a conversion adds to reading and printing a document.
+class PlaceFinder
 {
-    for (QDomNode node = element; !node.isNull(); node = node.parentNode()) {
-        const QDomElement sibling = node.nextSiblingElement();
-        if (!sibling.isNull()) {
-            return sibling;
+public:
+    void search(QDomNode const& parent, bool inSection)
+    {
+        for (QDomElement child = parent.firstChildElement(); !child.isNull();
+             child = child.nextSiblingElement()) {
+            const QString name = child.tagName();
+            const bool isSection = name == QLatin1String("coordinated_data_root");
+            if (isSection) {
+                ++m_sections;
+                m_found.root = child;
+            } else if (inSection) {
+                note(child, name);
+            }
+            search(child, inSection || isSection);
         }
     }
-    return {};
-}
 
-QDomElement nextInDocumentOrder(QDomElement const& element)
-{
-    const QDomElement child = element.firstChildElement();
-    return child.isNull() ? nextAfterSubtree(element) : child;
-}
-
-void takeFirst(QDomElement& place, QDomElement const& element)
-{
-    if (place.isNull()) {
-        place = element;
+    std::optional<ConversionSteps::OldSection> found() const
+    {
+        return m_sections == 1 ? std::make_optional(m_found) : std::nullopt;
     }
-}
 
-// Notes the element if it is one of the section's places.
-void notePlace(ConversionSteps::OldSection& section, QDomElement const& element,
-               QString const& name)
-{
-    if (name == QLatin1String("compat_config")) {
-        section.configurations.push_back(element);
-    } else if (name == QLatin1String("compat_profile")) {
-        section.profiles.push_back(element);
-    } else if (name == QLatin1String("mic_channels")) {
-        takeFirst(section.micChannels, element);
-    } else if (name == QLatin1String("compat_profiles")) {
-        takeFirst(section.compatProfiles, element);
-    } else if (name == QLatin1String("compatibility_levels")) {
-        takeFirst(section.compatLevels, element);
-    } else if (name == QLatin1String("compat_configs")) {
-        takeFirst(section.compatConfigs, element);
+private:
+    void note(QDomElement const& element, QString const& name)
+    {
+        if (name == QLatin1String("compat_config")) {
+            m_found.configurations.push_back(element);
+        } else if (name == QLatin1String("compat_profile")) {
+            m_found.profiles.push_back(element);
+        } else if (name == QLatin1String("mic_channels")) {
+            noteFirst(m_found.micChannels, element);
+        } else if (name == QLatin1String("compat_profiles")) {
+            noteFirst(m_found.compatProfiles, element);
+        } else if (name == QLatin1String("compatibility_levels")) {
+            noteFirst(m_found.compatLevels, element);
+        } else if (name == QLatin1String("compat_configs")) {
+            noteFirst(m_found.compatConfigs, element);
+        }
     }
-}
+
+    static void noteFirst(QDomElement& place, QDomElement const& element)
+    {
+        if (place.isNull()) {
+            place = element;
+        }
+    }
+
+    ConversionSteps::OldSection m_found;
+    int m_sections = 0;
+};
 
 void clearSwitchedOff(QDomElement const& compatFlags, CompatConfigFlags& flags)
 {
@@ -95,35 +106,12 @@ void clearSwitchedOff(QDomElement const& compatFlags, CompatConfigFlags& flags)
 
 } // namespace
 
-// One walk over the document instead of a search for each name: the walk is most of what a
-// conversion adds to reading and printing a document.
 std::optional<ConversionSteps::OldSection>
 ConversionSteps::findOldSection(QDomDocument const& document)
 {
-    OldSection section;
-    QDomElement behindSection;
-    bool inside = false;
-    for (QDomElement element = document.firstChildElement(); !element.isNull();
-         element = nextInDocumentOrder(element)) {
-        const QString name = element.tagName();
-        if (name == QLatin1String("coordinated_data_root")) {
-            if (!section.root.isNull()) {
-                return std::nullopt;
-            }
-            section.root = element;
-            behindSection = nextAfterSubtree(element);
-            inside = true;
-        } else {
-            inside = inside && element != behindSection;
-            if (inside) {
-                notePlace(section, element, name);
-            }
-        }
-    }
-    if (section.root.isNull()) {
-        return std::nullopt;
-    }
-    return section;
+    PlaceFinder finder;
+    finder.search(document, false);
+    return finder.found();
 }
 
 ConversionSteps::KeysByProfileId ConversionSteps::readChannels(QDomElement const& micChannels)
