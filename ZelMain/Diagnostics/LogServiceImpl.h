@@ -1,0 +1,93 @@
+#pragma once
+
+#include "ZelMain/Diagnostics/LogServiceInterface.h"
+#include "ZelMain/Diagnostics/LoggerDataAccessInterface.h"
+
+#include <QObject>
+#include <QRecursiveMutex>
+
+#include <atomic>
+#include <memory>
+
+namespace PkLogger {
+
+class LogFilesCleanupThread;
+class LogSession;
+class LoggerWriterThread;
+
+/**
+ * The log service: a table of users, a ring of 10 000 messages, and a thread that empties it.
+ *
+ * QObject is the last base, so there is no meta-object of its own.
+ */
+class LogServiceImpl : public LogService,
+                       public LoggerDataAccessInterface,
+                       public LoggerDataLogInterface,
+                       public QObject
+{
+public:
+    /** The name of the service's own user, which has number 0 and never logs. */
+    static const QString LOGGER_USER_ID;
+    /** How lines show the time: "21 Nov 2026 10:21:45.123". */
+    static const QString DEFAULT_TIME_FORMAT;
+
+    /** The object behind LogService::GetLogService(). */
+    static QSharedPointer<LogServiceImpl> getLogServicePointer();
+
+    /** Closes the service. */
+    ~LogServiceImpl() override;
+
+    LogServiceImpl(const LogServiceImpl&) = delete;
+    LogServiceImpl& operator=(const LogServiceImpl&) = delete;
+
+    void initLogService(LogOptions options) override;
+    void configureLogService(LoggerConfigInterface* config) override;
+    QSharedPointer<LoggerImpl> getLoggerObject(const QString& name) override;
+    QSharedPointer<LoggerImpl> getLoggerObject(const QString& name,
+                                               QSharedPointer<QIODevice> device, QString timeFormat,
+                                               OutFormatOptions options) override;
+    bool enableLogger(bool on) override;
+    bool enableConsoleLog(bool on) override;
+    bool isLoggerEnabled() const override;
+    bool isConsoleLogEnabled() const override;
+    bool registerOutputDevice(QSharedPointer<QIODevice> device) override;
+    void enableDebugOutput(bool on) override;
+    void enableInfoOutput(bool on) override;
+    void enableWarningOutput(bool on) override;
+    void enableErrorOutput(bool on) override;
+    bool isDebugOutputEnabled() const override;
+    bool isInfoOutputEnabled() const override;
+    bool isWarningOutputEnabled() const override;
+    bool isErrorOutputEnabled() const override;
+    void enableUserOutput(const QString& name, bool enable) override;
+    bool isUserEnabled(const QString& name) override;
+    bool isUserExists(const QString& name) override;
+    QStringList getUserList() const override;
+    QStringList getEnabledUserList() const override;
+
+    bool logString(int handle, LOGLEVEL level, const QString& text) override;
+    bool logString(int handle, LOGLEVEL level, const char* text) override;
+
+    /** For the writer thread; from any other thread it does nothing and returns false. */
+    bool writeData() override;
+
+    /** Switches one level on or off; ignored before the start. */
+    void setLevelMask(LOGLEVEL level, bool on);
+
+    /** Whether @p handle is the number of a user that is switched on; false for the service's. */
+    bool isHandleEnabled(int handle) const;
+
+    /**
+     * Writes what is queued, stops the threads, closes the devices, and forgets users and devices.
+     *
+     * Waits up to 30 seconds for the writer and as long for the cleanup; what has not finished then
+     * is terminated and gets 3 seconds more. A service that is not started stays as it is, the
+     * devices registered so far included.
+     */
+    void closeLogger();
+
+protected:
+    LogServiceImpl();
+};
+
+} // namespace PkLogger

@@ -1,0 +1,9 @@
+#include "ZelMain/Diagnostics/LoggerDataAccessInterface.h"
+
+namespace PkLogger {
+
+LoggerDataAccessInterface::~LoggerDataAccessInterface() = default;
+
+LoggerDataLogInterface::~LoggerDataLogInterface() = default;
+
+} // namespace PkLogger

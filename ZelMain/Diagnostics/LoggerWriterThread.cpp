@@ -1,0 +1,15 @@
+#include "ZelMain/Diagnostics/LoggerWriterThread.h"
+
+#include "ZelMain/Diagnostics/LoggerDataAccessInterface.h"
+
+namespace PkLogger {
+
+LoggerWriterThread::LoggerWriterThread(LoggerDataAccessInterface* source) : m_source(source) {}
+
+void LoggerWriterThread::run()
+{
+    while (m_source->writeData()) {
+    }
+}
+
+} // namespace PkLogger
