@@ -1,0 +1,23 @@
+#include "ZelMain/Diagnostics/LogFilesCleanupThread.h"
+
+#include "ZelMain/Diagnostics/FileOutDevConfig.h"
+#include "ZelMain/Diagnostics/LogFilesCleanup.h"
+
+namespace PkLogger {
+
+LogFilesCleanupThread::LogFilesCleanupThread(unsigned int months, QObject* parent)
+    : QThread(parent), m_months(months)
+{
+    const FileOutDevConfig config{QString()};
+    m_folder = config.getFolderName();
+    m_baseFileName = config.getBaseFileName();
+}
+
+LogFilesCleanupThread::LogFilesCleanupThread(QObject* parent) : QThread(parent) {}
+
+void LogFilesCleanupThread::run()
+{
+    removeLogFiles(m_folder, m_baseFileName, cleanupCutOff(QDateTime::currentDateTime(), m_months));
+}
+
+} // namespace PkLogger
