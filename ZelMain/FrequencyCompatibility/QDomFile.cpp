@@ -10,9 +10,7 @@ namespace {
 constexpr int COMPACT_INDENT = 1;
 constexpr int INDENT = 4;
 
-} // namespace
-
-bool QDomFile::isWritable(QIODevice const& device)
+bool isWritable(QIODevice const& device)
 {
     if (!device.isOpen()) {
         qDebug("Unopened output device can not be used");
@@ -25,13 +23,25 @@ bool QDomFile::isWritable(QIODevice const& device)
     return true;
 }
 
-bool QDomFile::write(QDomDocument const& document, QIODevice& device, bool compact)
+bool write(QDomDocument const& document, QIODevice& device, bool compact)
 {
     QTextStream stream(&device);
     stream.setCodec("UTF-8");
     document.save(stream, compact ? COMPACT_INDENT : INDENT);
     stream.flush();
     return stream.status() == QTextStream::Ok;
+}
+
+} // namespace
+
+bool QDomFile::store(QDomDocument& document, std::function<QDomElement()> const& makeElement,
+                     QIODevice& device, bool compact)
+{
+    if (!isWritable(device)) {
+        return false;
+    }
+    document.appendChild(makeElement());
+    return write(document, device, compact);
 }
 
 bool QDomFile::writeFile(std::string const& path, std::function<bool(QIODevice&)> const& writer)

@@ -4,6 +4,7 @@
 #include <string>
 
 class QDomDocument;
+class QDomElement;
 class QIODevice;
 
 /**
@@ -13,16 +14,16 @@ class QIODevice;
  */
 namespace QDomFile {
 
-/** Whether @p device is open for writing. If not, a debug message says what is wrong with it. */
-bool isWritable(QIODevice const& device);
-
 /**
- * Writes the whole document as UTF-8, without adding an XML declaration, and flushes.
+ * Appends what @p makeElement gives to @p document, then writes the whole document to @p device as
+ * UTF-8, without adding an XML declaration, and flushes.
  *
+ * @param device  open for writing. If it is not, a debug message says so and nothing is appended.
  * @param compact  indents by 1 blank a level, otherwise by 4.
  * @return whether the device took every byte.
  */
-bool write(QDomDocument const& document, QIODevice& device, bool compact);
+bool store(QDomDocument& document, std::function<QDomElement()> const& makeElement,
+           QIODevice& device, bool compact);
 
 /**
  * Opens the file at @p path (UTF-8), emptied if it exists, and hands it to @p writer.

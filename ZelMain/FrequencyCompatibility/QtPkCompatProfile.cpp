@@ -1,13 +1,10 @@
 #include "ZelMain/FrequencyCompatibility/QtPkCompatProfile.h"
 
-#include "ZelMain/FrequencyCompatibility/QDomDocHelper.h"
 #include "ZelMain/FrequencyCompatibility/QDomFile.h"
+#include "ZelMain/FrequencyCompatibility/QDomRecord.h"
 #include "ZelMain/FrequencyCompatibility/shared/CompatProfileFormat.h"
 
 #include <QFile>
-
-#include <boost/uuid/string_generator.hpp>
-#include <boost/uuid/uuid_io.hpp>
 
 using namespace CompatProfileFormat;
 
@@ -28,15 +25,10 @@ struct Names
     }
 
     const QString element = QLatin1String(ELEMENT);
-    const QString versionAttribute = QLatin1String(VERSION_ATTRIBUTE);
-    const QString version = QLatin1String(VERSION);
-    const QString idAttribute = QLatin1String(ID_ATTRIBUTE);
     const QString nameAttribute = QLatin1String(NAME_ATTRIBUTE);
     const QString imdSourceAttribute = QLatin1String(IMD_SOURCE_ATTRIBUTE);
     const QString synthesizableAttribute = QLatin1String(SYNTHESIZABLE_ATTRIBUTE);
     const QString spacingElement = QLatin1String(SPACING_ELEMENT);
-    const QString unitsAttribute = QLatin1String(UNITS_ATTRIBUTE);
-    const QString units = QLatin1String(UNITS);
     const QString filterElement = QLatin1String(FILTER_ELEMENT);
     const QString filterTypeAttribute = QLatin1String(FILTER_TYPE_ATTRIBUTE);
     const QString centerListElement = QLatin1String(CENTER_LIST_ELEMENT);
@@ -64,16 +56,13 @@ void appendIntegers(PkCompatProfile const& profile,
                     QDomElement& parent)
 {
     for (std::size_t i = 0; i < COUNT; ++i) {
-        QDomDocHelper::CreateChildNode(doc, elementNames[i],
-                                       QString::number(profile.*elements[i].field), parent);
+        QDomRecord::appendInteger(doc, elementNames[i], profile.*elements[i].field, parent);
     }
 }
 
 void appendSpacing(PkCompatProfile const& profile, QDomDocument& doc, QDomElement& parent)
 {
-    QDomElement spacing = doc.createElement(names().spacingElement);
-    spacing.setAttribute(names().unitsAttribute, names().units);
-    parent.appendChild(spacing);
+    QDomElement spacing = QDomRecord::appendKilohertz(doc, names().spacingElement, parent);
     appendIntegers(profile, SPACINGS, names().spacings, doc, spacing);
 }
 
@@ -88,8 +77,7 @@ void appendFilter(PkCompatProfile const& profile, QDomDocument& doc, QDomElement
         list.setAttribute(names().centerCountAttribute,
                           QString::number(profile.filterCenterList.size()));
         for (const int center : profile.filterCenterList) {
-            QDomDocHelper::CreateChildNode(doc, names().centerElement, QString::number(center),
-                                           list);
+            QDomRecord::appendInteger(doc, names().centerElement, center, list);
         }
     }
     parent.appendChild(filter);
@@ -97,22 +85,13 @@ void appendFilter(PkCompatProfile const& profile, QDomDocument& doc, QDomElement
 
 QDomElement makeElement(PkCompatProfile const& profile, QDomDocument& doc)
 {
-    QDomElement element = doc.createElement(names().element);
-    element.setAttribute(names().versionAttribute, names().version);
-    element.setAttribute(names().idAttribute,
-                         QString::fromStdString(boost::uuids::to_string(profile.id)));
+    QDomElement element = QDomRecord::createElement(doc, names().element, profile.id);
     element.setAttribute(names().nameAttribute, QString::fromStdString(profile.name));
     element.setAttribute(names().imdSourceAttribute, flagText(profile.imdSource));
     element.setAttribute(names().synthesizableAttribute, flagText(profile.synthesizable));
     appendSpacing(profile, doc, element);
     appendFilter(profile, doc, element);
     return element;
-}
-
-boost::uuids::uuid readId(QDomElement const& element)
-{
-    const QByteArray text = element.attribute(names().idAttribute).toLatin1();
-    return boost::uuids::string_generator()(text.begin(), text.end());
 }
 
 void readFlag(QDomElement const& element, QString const& attribute, bool& flag)
@@ -203,7 +182,7 @@ bool QtPkCompatProfile::Import(QDomNode const& node)
         return false;
     }
     const QDomElement element = node.toElement();
-    id = readId(element);
+    id = QDomRecord::readId(element);
     name = element.attribute(names().nameAttribute).toStdString();
     readFlag(element, names().imdSourceAttribute, imdSource);
     readFlag(element, names().synthesizableAttribute, synthesizable);
@@ -243,9 +222,6 @@ QDomElement QtPkCompatProfile::Export(QDomDocument& doc)
 
 bool QtPkCompatProfile::StoreInXml(QIODevice& device, bool compact)
 {
-    if (!QDomFile::isWritable(device)) {
-        return false;
-    }
-    m_document.appendChild(Export());
-    return QDomFile::write(m_document, device, compact);
+    return QDomFile::store(
+        m_document, [this] { return Export(); }, device, compact);
 }

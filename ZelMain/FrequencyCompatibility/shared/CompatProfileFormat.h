@@ -12,16 +12,11 @@
 namespace CompatProfileFormat {
 
 constexpr char const* ELEMENT = "compat_profile";
-constexpr char const* VERSION_ATTRIBUTE = "version";
-constexpr char const* VERSION = "0.0.0.1";
-constexpr char const* ID_ATTRIBUTE = "id";
 constexpr char const* NAME_ATTRIBUTE = "name";
 constexpr char const* IMD_SOURCE_ATTRIBUTE = "imd_source";
 constexpr char const* SYNTHESIZABLE_ATTRIBUTE = "synthesizable";
 
 constexpr char const* SPACING_ELEMENT = "spacing";
-constexpr char const* UNITS_ATTRIBUTE = "freq_units";
-constexpr char const* UNITS = "KHz";
 
 constexpr char const* FILTER_ELEMENT = "filter";
 constexpr char const* FILTER_TYPE_ATTRIBUTE = "type";

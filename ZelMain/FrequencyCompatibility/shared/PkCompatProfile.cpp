@@ -1,6 +1,7 @@
 #include "ZelMain/FrequencyCompatibility/shared/PkCompatProfile.h"
 
 #include "ZelMain/FrequencyCompatibility/shared/CompatProfileFormat.h"
+#include "ZelMain/FrequencyCompatibility/shared/RecordFormat.h"
 #include "ZelMain/FrequencyCompatibility/shared/XmlUtil.h"
 
 #include <boost/uuid/nil_generator.hpp>
@@ -10,6 +11,7 @@
 #include <cstdio>
 
 using namespace CompatProfileFormat;
+using namespace RecordFormat;
 
 namespace {
 
