@@ -37,9 +37,11 @@ char* appendTrailing(uint character, unsigned int shift, char* out)
     return append(0x80U | ((character >> shift) & 0x3FU), out);
 }
 
-// A character beyond ASCII.
 char* encode(uint character, char* out)
 {
+    if (character <= MAX_ASCII) {
+        return append(character, out);
+    }
     if (character <= MAX_TWO_BYTES) {
         out = append(0xC0U | (character >> 6U), out);
         return appendTrailing(character, 0, out);
