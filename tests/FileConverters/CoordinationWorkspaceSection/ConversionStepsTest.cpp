@@ -33,6 +33,7 @@ std::vector<QDomElement> elementsOf(const QDomDocument& document, const QString&
 {
     const QDomNodeList nodes = document.elementsByTagName(name);
     std::vector<QDomElement> elements;
+    elements.reserve(static_cast<std::size_t>(nodes.size()));
     for (int i = 0; i < nodes.size(); ++i) {
         elements.push_back(nodes.at(i).toElement());
     }
@@ -472,6 +473,8 @@ void ConversionStepsTest::configurationSwitchesProductsOff_data()
         << 2;
     QTest::newRow("several groups of flags add up")
         << off("imd_2t3o") + "<x/>" + off("imd_3t3o") << 58;
+    QTest::newRow("0 twice switches off once")
+        << "<compat_flags><imd_2t5o>0</imd_2t5o><imd_2t5o>0</imd_2t5o></compat_flags>" << 118;
     QTest::newRow("a later 1 does not switch on again")
         << "<compat_flags><imd_2t5o>0</imd_2t5o><imd_2t5o>1</imd_2t5o></compat_flags>" << 118;
     QTest::newRow("a later 0 switches off")

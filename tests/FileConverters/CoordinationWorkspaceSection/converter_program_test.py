@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Tests the converter as the program that runs it sees it: both streams, byte by byte, and the status.
+"""Tests the converter as its caller sees it: both streams, byte by byte, and the exit status.
 
 usage: converter_program_test.py EXECUTABLE [--sanitized] [unittest options]
 
-Each folder under cases/ is a document: input.xml, the expected output.xml (none: nothing on standard
-output), stderr and status. A status "aborted" is the end that the runtime gives to an uncaught
-exception; what it says on standard error is its own.
+Each folder under cases/ is a document: input.xml and what is expected, output.xml (none: nothing on
+standard output), stderr and status. A status "aborted" is the end that the runtime gives to an
+uncaught exception; what it says on standard error is its own.
 """
 
 import os
@@ -76,7 +76,7 @@ def run(*arguments, stdin=b"", environment=None, prepare=None, executable=None, 
 
 
 def with_sorted_attributes(document: bytes) -> bytes:
-    """The document with each tag's attributes in the order of their names; all else byte by byte."""
+    """The document with each tag's attributes ordered by their names; all else byte by byte."""
 
     def sort(match):
         attributes = re.findall(rb'\s+([^\s=]+="[^"]*")', match[2])
@@ -199,6 +199,9 @@ class StandardInputTest(ProgramTest):
         self.assert_converted(
             run(stdin=b"\n<coordinated_data_root>\n\n<t>\nx\n</t>\n</coordinated_\ndata_root>\n"),
             GOOD_OUTPUT)
+
+    def test_carriage_returns_between_elements_do_no_harm(self):
+        self.assert_converted(run(stdin=GOOD.replace(b"><", b">\r\n<") + b"\r\n"), GOOD_OUTPUT)
 
     def test_first_line_of_one_character_is_just_a_line(self):
         self.assert_converted(run(stdin=GOOD.replace(b"<c", b"<\nc", 1)), GOOD_OUTPUT)
@@ -394,6 +397,11 @@ class DocumentTest(ProgramTest):
         document = b"<?xml version='1.0' encoding='ISO-8859-1'?>" + GOOD.replace(b"x", "ä".encode())
         self.assert_both(lambda process: self.assertIn("<t>ä</t>".encode(), process.stdout),
                          document)
+
+    def test_half_a_character_is_written_as_a_question_mark(self):
+        # The parser takes the reference to a lone surrogate, which UTF-8 cannot hold.
+        self.assert_both(lambda process: self.assertIn(b"<t>?</t>", process.stdout),
+                         GOOD.replace(b"x", b"&#xD83C;"))
 
     def test_no_declaration_is_added(self):
         self.assert_both(lambda process: self.assertTrue(
