@@ -12,19 +12,16 @@ constexpr double KHZ_PER_GHZ = 1000000.0;
 // What users read most: down to the kilohertz in megahertz, to the hertz in kilohertz.
 constexpr int DECIMALS = 3;
 
+constexpr char FIXED_POINT = 'f';
+
 QString findBest()
 {
     return QStringLiteral("Find Best");
 }
 
-QString withUnit(const QString& number, Frequency::FreqUnits units)
+void appendUnits(QString& number, Frequency::FreqUnits units)
 {
-    return number + QLatin1Char(' ') + Frequency::stringFromUnits(units);
-}
-
-QString fixedPoint(const QLocale& locale, double value, int precision)
-{
-    return locale.toString(value, 'f', precision);
+    number.append(QLatin1Char(' ')).append(Frequency::stringFromUnits(units));
 }
 
 } // namespace
@@ -34,14 +31,18 @@ QString Frequency::asKhzString(bool withUnits, int precision, bool dropOneZero) 
     if (readsFindBest()) {
         return findBest();
     }
-    QString text = fixedPoint(QLocale(), m_valueKhz, precision);
+    QString text = QLocale().toString(m_valueKhz, FIXED_POINT, precision);
     // Exactly one zero goes, even a whole one (470 kHz without decimals reads "47 kHz"), and only
     // "0" itself, no zero of another script.
     if (dropOneZero && text.endsWith(QLatin1Char('0'))) {
         text.chop(1);
     }
     // The blank stays without its units: callers put their own word straight behind it.
-    return withUnits ? withUnit(text, kHz) : text + QLatin1Char(' ');
+    text.append(QLatin1Char(' '));
+    if (withUnits) {
+        text.append(stringFromUnits(kHz));
+    }
+    return text;
 }
 
 QString Frequency::asMhzString(bool withUnits, int precision) const
@@ -53,8 +54,11 @@ QString Frequency::asMhzString(bool withUnits, int precision) const
     // the other two are read, not typed.
     QLocale locale;
     locale.setNumberOptions(QLocale::OmitGroupSeparator);
-    const QString text = fixedPoint(locale, inMhz(), precision);
-    return withUnits ? withUnit(text, MHz) : text;
+    QString text = locale.toString(inMhz(), FIXED_POINT, precision);
+    if (withUnits) {
+        appendUnits(text, MHz);
+    }
+    return text;
 }
 
 QString Frequency::asGhzString(bool withUnits, int precision) const
@@ -62,8 +66,11 @@ QString Frequency::asGhzString(bool withUnits, int precision) const
     if (readsFindBest()) {
         return findBest();
     }
-    const QString text = fixedPoint(QLocale(), inGhz(), precision);
-    return withUnits ? withUnit(text, GHz) : text;
+    QString text = QLocale().toString(inGhz(), FIXED_POINT, precision);
+    if (withUnits) {
+        appendUnits(text, GHz);
+    }
+    return text;
 }
 
 QString Frequency::inFittingUnits() const
@@ -86,7 +93,10 @@ QString Frequency::toString(bool withSuffix) const
     if (!m_keepTrailingZeros) {
         AdjustTrailingZeros(text, 0, DECIMALS);
     }
-    return withSuffix ? text + m_suffix : text;
+    if (withSuffix) {
+        text.append(m_suffix);
+    }
+    return text;
 }
 
 QString Frequency::toString(bool trimZeros, bool withSuffix) const
@@ -99,11 +109,13 @@ QString Frequency::toString(bool trimZeros, bool withSuffix) const
         AdjustTrailingZeros(text, 0, DECIMALS);
     }
     if (withSuffix) {
-        return text + m_suffix;
+        text.append(m_suffix);
+    } else if (!m_suffix.isEmpty()) {
+        // Who asks for a text free of the suffix gets none of it, even where the number happens to
+        // read like it.
+        text.remove(m_suffix);
     }
-    // Callers who ask for a text free of the suffix get none of it, even where the number happens
-    // to read like it.
-    return m_suffix.isEmpty() ? text : text.remove(m_suffix);
+    return text;
 }
 
 QString Frequency::toString(int, int, bool withSuffix) const
@@ -111,8 +123,11 @@ QString Frequency::toString(int, int, bool withSuffix) const
     if (readsFindBest()) {
         return findBest();
     }
-    const QString text = m_valueKhz < KHZ_PER_GHZ ? inFittingUnits() : asGhzString(true, DECIMALS);
-    return withSuffix ? text + m_suffix : text;
+    QString text = m_valueKhz < KHZ_PER_GHZ ? inFittingUnits() : asGhzString(true, DECIMALS);
+    if (withSuffix) {
+        text.append(m_suffix);
+    }
+    return text;
 }
 
 void Frequency::AdjustTrailingZeros(QString& text, int minDecimals, int maxDecimals)
@@ -148,7 +163,7 @@ QString Frequency::stringFromUnits(FreqUnits units)
 
 QDebug operator<<(QDebug debug, const Frequency& frequency)
 {
-    const QString text =
+    QString text =
         QStringLiteral("[Frequency: ") + frequency.toString(true) + QStringLiteral("] - ");
     return debug << text.toLocal8Bit().constData();
 }

@@ -4,7 +4,6 @@
 
 #include <QLocale>
 #include <QStringRef>
-#include <QVector>
 #include <QtDebug>
 
 namespace {
@@ -20,9 +19,32 @@ constexpr double KHZ_PER_MHZ = 1000.0;
 // A bare unit word has three characters; what is to be scrubbed has at least one more.
 constexpr int MIN_SCRUBBED_LENGTH = 4;
 
-QVector<QStringRef> wordsOf(const QString& text)
+/** The words of a text, which blanks separate: the first two, and how many there are. */
+struct Words
 {
-    return text.splitRef(QLatin1Char(' '), Qt::SkipEmptyParts);
+    int count = 0;
+    QStringRef first;
+    QStringRef second;
+};
+
+// By hand, since the list that QString's own split makes costs as much as reading the number.
+Words wordsOf(const QString& text)
+{
+    Words words;
+    for (int begin = 0, end = 0; begin < text.size(); begin = end + 1) {
+        end = text.indexOf(QLatin1Char(' '), begin);
+        if (end < 0) {
+            end = text.size();
+        }
+        if (end == begin) {
+            continue;
+        }
+        ++words.count;
+        if (words.count <= 2) {
+            (words.count == 1 ? words.first : words.second) = text.midRef(begin, end - begin);
+        }
+    }
+    return words;
 }
 
 Frequency::FreqUnits unitsNamed(const QStringRef& word)
@@ -117,18 +139,18 @@ Frequency Frequency::fromString(const QString& text, bool* ok, FreqUnits default
     if (ok != nullptr) {
         *ok = false;
     }
-    const QVector<QStringRef> words = wordsOf(text);
-    if (words.size() == 2) {
-        return readInUnits(words[0], unitsNamed(words[1]), ok);
+    const Words words = wordsOf(text);
+    if (words.count == 2) {
+        return readInUnits(words.first, unitsNamed(words.second), ok);
     }
-    if (words.size() != 1 || defaultUnits == NoUnits) {
+    if (words.count != 1 || defaultUnits == NoUnits) {
         return Frequency();
     }
     if (defaultUnits != GHz && defaultUnits != MHz && defaultUnits != kHz) {
         qDebug("Unsupported frequency units. \n");
         return Frequency();
     }
-    return readInUnits(words[0], defaultUnits, ok);
+    return readInUnits(words.first, defaultUnits, ok);
 }
 
 double Frequency::StringToMhz(const QString& text, const QLocale& locale)
@@ -145,16 +167,16 @@ QString Frequency::ScrubFreqString(const QString& text, bool* ok)
     if (ok != nullptr) {
         *ok = false;
     }
-    const QVector<QStringRef> words = wordsOf(text);
-    if (words.size() != 2 || !isUnitWithTrail(words[1])) {
+    const Words words = wordsOf(text);
+    if (words.count != 2 || !isUnitWithTrail(words.second)) {
         return QString();
     }
     if (ok != nullptr) {
         *ok = true;
     }
-    const QStringRef& unit = words[1];
+    const QStringRef& unit = words.second;
     const int length = unit.indexOf(QLatin1Char('z'), 0, Qt::CaseInsensitive) + 1;
-    return words[0].toString() + QLatin1Char(' ') + unit.left(length);
+    return words.first.toString() + QLatin1Char(' ') + unit.left(length);
 }
 
 Frequency::FreqUnits Frequency::UnitsFromString(const QString& text)
