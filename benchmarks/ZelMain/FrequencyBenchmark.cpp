@@ -26,7 +26,7 @@ public:
 
 void plainRead(benchmark::State& state, const QString& text)
 {
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         bool ok = false;
         benchmark::DoNotOptimize(text.toDouble(&ok));
     }
@@ -35,7 +35,7 @@ void plainRead(benchmark::State& state, const QString& text)
 void readString(benchmark::State& state, const char* locale, const QString& text)
 {
     const DefaultLocale scope(locale);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         bool ok = false;
         benchmark::DoNotOptimize(Frequency::fromString(text, &ok, Frequency::MHz));
     }
@@ -46,7 +46,7 @@ using Parser = Frequency (*)(const QString&, bool*);
 void read(benchmark::State& state, Parser parse, const QString& text)
 {
     const DefaultLocale scope("C");
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         bool ok = false;
         benchmark::DoNotOptimize(parse(text, &ok));
     }
@@ -55,7 +55,7 @@ void read(benchmark::State& state, Parser parse, const QString& text)
 void plainWrite(benchmark::State& state, const char* locale, double number)
 {
     const QLocale plain{QString::fromLatin1(locale)};
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(plain.toString(number, 'f', 3));
     }
 }
@@ -65,7 +65,7 @@ void write(benchmark::State& state, const char* locale, const WRITER& format)
 {
     const DefaultLocale scope(locale);
     const Frequency frequency = Frequency::fromKhz(KHZ);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(format(frequency));
     }
 }
