@@ -261,6 +261,7 @@ void FrequencyTest::hertzAreTruncated_data()
     QTest::newRow("negative") << -1.5 << quint64(18446744073709550116U);
     QTest::newRow("beyond a signed 64-bit integer") << 1e16 << quint64(10000000000000000000U);
     QTest::newRow("2 to the 63rd Hz") << 9223372036854775.808 << quint64(9223372036854775808U);
+    QTest::newRow("2 to the 64th Hz") << 18446744073709551.616 << quint64(18446744073709551615U);
     QTest::newRow("beyond 64 bits") << 1e17 << quint64(18446744073709551615U);
     QTest::newRow("negative beyond 64 bits") << -1e17 << quint64(9223372036854775808U);
     QTest::newRow("infinite") << INFINITE << quint64(18446744073709551615U);
@@ -570,7 +571,8 @@ void FrequencyTest::ratioIsTakenInMegahertz_data()
     QTest::addColumn<double>("right");
     QTest::addColumn<double>("ratio");
     QTest::newRow("half") << 5.0 << 10.0 << 0.5;
-    QTest::newRow("in megahertz") << 0.7 << 0.3 << (0.7 / 1000.0) / (0.3 / 1000.0);
+    QTest::newRow("differs from that in kilohertz")
+        << 1.0 << 9.0 << (1.0 / 1000.0) / (9.0 / 1000.0);
     QTest::newRow("by zero") << 5.0 << 0.0 << 0.0;
     QTest::newRow("zero by zero") << 0.0 << 0.0 << 0.0;
     QTest::newRow("by negative zero") << 5.0 << -0.0 << 0.0;
@@ -647,6 +649,7 @@ void FrequencyTest::hashIsTheWholeKilohertz_data()
     QTest::newRow("beyond 32 bits") << 4294967297.0 << 1U;
     QTest::newRow("negative") << -1.5 << 4294967295U;
     QTest::newRow("negative, toward zero") << -0.9 << 0U;
+    QTest::newRow("2 to the 63rd") << 9223372036854775808.0 << 4294967295U;
     QTest::newRow("beyond 64 bits") << 1e30 << 4294967295U;
     QTest::newRow("negative beyond 64 bits") << -1e30 << 0U;
     QTest::newRow("not a number") << NOT_A_NUMBER << 0U;
