@@ -4,8 +4,6 @@
 
 #include <QCoreApplication>
 
-#include <utility>
-
 namespace PkLogger {
 
 namespace {
@@ -30,8 +28,8 @@ QSettings applicationSettings()
 
 } // namespace
 
-FileOutDevConfig::FileOutDevConfig(QString bannerName)
-    : m_bannerName(std::move(bannerName)), m_settings(applicationSettings())
+FileOutDevConfig::FileOutDevConfig(const QString& bannerName)
+    : m_bannerName(bannerName), m_settings(applicationSettings())
 {
     m_settings.beginGroup(SETTINGS_GROUP);
 }

@@ -48,7 +48,7 @@ class FileOutDevConfig : public FileOutDevConfigInterface
 {
 public:
     /** @param bannerName  given back by getBannerName. */
-    explicit FileOutDevConfig(QString bannerName);
+    explicit FileOutDevConfig(const QString& bannerName);
     ~FileOutDevConfig() override;
     Q_DISABLE_COPY_MOVE(FileOutDevConfig)
 
