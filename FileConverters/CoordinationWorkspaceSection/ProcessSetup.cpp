@@ -1,5 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
 
+#include <QHash>
+#include <QTextCodec>
 #include <QtGlobal>
 
 #ifdef __GLIBC__
@@ -10,6 +12,30 @@
 #include <csignal>
 
 #include <sys/resource.h>
+#endif
+
+namespace {
+
+void sayNothing(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& /*text*/)
+{
+}
+
+} // namespace
+
+void ProcessSetup::shutOutTheEnvironment()
+{
+    qInstallMessageHandler(sayNothing);
+    // Messages that end the run.
+    qunsetenv("QT_FATAL_WARNINGS");
+    qunsetenv("QT_FATAL_CRITICALS");
+    // Attributes come out in the order of their hashes.
+    qunsetenv("QT_HASH_SEED");
+    qSetGlobalQHashSeed(0);
+    // Decodes file names and files, and decides which characters are printed as they are.
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
+}
+
+#ifdef Q_OS_UNIX
 
 void ProcessSetup::raiseStackLimit()
 {

@@ -1,9 +1,9 @@
 #pragma once
 
 /**
- * What the process needs from its platform before it converts.
+ * What a process sets up before it reads a document.
  *
- * The only place of the converter that knows one platform from another.
+ * The only place that knows one platform from another.
  */
 namespace ProcessSetup {
 
@@ -29,5 +29,12 @@ void reportWriteFailuresAsErrors();
  * allocators than glibc's have no such pieces.
  */
 void tuneAllocator();
+
+/**
+ * Makes the same document give the same bytes and the same silence everywhere, whatever the
+ * environment says to Qt: no message of Qt's is shown or ends the run, hashes have a fixed seed,
+ * and names and files are UTF-8.
+ */
+void shutOutTheEnvironment();
 
 } // namespace ProcessSetup

@@ -1,55 +1,18 @@
 #include "FileConverters/CoordinationWorkspaceSection/CoordWorkSpaceSectionConverter0_3.h"
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
+#include "FileConverters/CoordinationWorkspaceSection/StandardInput.h"
 #include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
 
 #include <QDomDocument>
-#include <QHash>
-#include <QTextCodec>
+#include <QString>
 
 #include <iostream>
-#include <string>
 
 namespace {
 
 constexpr int SUCCEEDED = 0;
 constexpr int FAILED = 1;
 constexpr int INDENT = 4;
-
-void sayNothing(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& /*text*/)
-{
-}
-
-// The same document gives the same bytes and the same silence everywhere, whatever the environment
-// says to Qt.
-void shutOutTheEnvironment()
-{
-    qInstallMessageHandler(sayNothing);
-    // Messages that end the run.
-    qunsetenv("QT_FATAL_WARNINGS");
-    qunsetenv("QT_FATAL_CRITICALS");
-    // Attributes come out in the order of their hashes.
-    qunsetenv("QT_HASH_SEED");
-    qSetGlobalQHashSeed(0);
-    // Decodes file names and files, and decides which characters are printed as they are.
-    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-}
-
-// Lines are joined with nothing between them. Returns false when the input failed before its end.
-bool readStandardInput(QString& text)
-{
-    const char lineFeed = std::cin.widen('\n');
-    std::string line;
-    while (!std::cin.eof()) {
-        std::getline(std::cin, line, lineFeed);
-        if (std::cin.bad()) {
-            return false;
-        }
-        if (!line.empty()) {
-            text += QString::fromStdString(line);
-        }
-    }
-    return true;
-}
 
 // The document, or null when the input cannot be read or is not well-formed.
 //
@@ -61,7 +24,7 @@ QDomDocument* readDocument(int argc, char** argv)
     QString text;
     if (argc == 2) {
         CoordWorkSpaceSectionConverter0_3::ReadInputFile(QString(argv[1]), text);
-    } else if (!readStandardInput(text)) {
+    } else if (!readJoinedLines(std::cin, text)) {
         return nullptr;
     }
     document = new QDomDocument;
@@ -78,7 +41,7 @@ int main(int argc, char** argv)
     ProcessSetup::raiseStackLimit();
     ProcessSetup::reportWriteFailuresAsErrors();
     ProcessSetup::tuneAllocator();
-    shutOutTheEnvironment();
+    ProcessSetup::shutOutTheEnvironment();
     // Apart from C's streams, C++'s tell a failed read from the end of the input.
     std::ios::sync_with_stdio(false);
 
