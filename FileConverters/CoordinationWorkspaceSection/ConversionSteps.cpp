@@ -114,46 +114,64 @@ ConversionSteps::findOldSection(QDomDocument const& document)
     return finder.found();
 }
 
+ConversionSteps::Channel ConversionSteps::readChannel(QDomElement const& channel)
+{
+    Channel read;
+    for (QDomElement child = channel.firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement()) {
+        const QString name = child.tagName();
+        if (name == QLatin1String("compat_key")) {
+            CoordWorkSpaceSectionConverter0_3::CompatKeyParser(child, read.key);
+        } else if (name == QLatin1String("compat_prof_id")) {
+            read.profileId = child.text();
+        }
+    }
+    return read;
+}
+
 ConversionSteps::KeysByProfileId ConversionSteps::readChannels(QDomElement const& micChannels)
 {
     KeysByProfileId keys;
-    for (QDomElement channel = micChannels.firstChildElement(); !channel.isNull();
-         channel = channel.nextSiblingElement()) {
-        CompatSystemUniqueKey key;
-        QString profileId;
-        for (QDomElement child = channel.firstChildElement(); !child.isNull();
-             child = child.nextSiblingElement()) {
-            const QString name = child.tagName();
-            if (name == QLatin1String("compat_key")) {
-                CoordWorkSpaceSectionConverter0_3::CompatKeyParser(child, key);
-            } else if (name == QLatin1String("compat_prof_id")) {
-                profileId = child.text();
-            }
-        }
-        keys.insert(profileId, key);
+    for (QDomElement element = micChannels.firstChildElement(); !element.isNull();
+         element = element.nextSiblingElement()) {
+        const Channel channel = readChannel(element);
+        keys.insert(channel.profileId, channel.key);
     }
     return keys;
+}
+
+ConversionSteps::Configuration ConversionSteps::readConfiguration(QDomElement const& configuration)
+{
+    Configuration read{CompatSystemUniqueKey(), ALL_FLAGS};
+    for (QDomElement child = configuration.firstChildElement(); !child.isNull();
+         child = child.nextSiblingElement()) {
+        const QString name = child.tagName();
+        if (name == QLatin1String("profile")) {
+            CoordWorkSpaceSectionConverter0_3::CompatKeyParser(child, read.key);
+        } else if (name == QLatin1String("compat_flags")) {
+            clearSwitchedOff(child, read.flags);
+        }
+    }
+    return read;
 }
 
 ConversionSteps::FlagsByKey
 ConversionSteps::readConfigurations(std::vector<QDomElement> const& configurations)
 {
     FlagsByKey flagsByKey;
-    for (QDomElement const& configuration : configurations) {
-        CompatSystemUniqueKey key;
-        CompatConfigFlags flags = ALL_FLAGS;
-        for (QDomElement child = configuration.firstChildElement(); !child.isNull();
-             child = child.nextSiblingElement()) {
-            const QString name = child.tagName();
-            if (name == QLatin1String("profile")) {
-                CoordWorkSpaceSectionConverter0_3::CompatKeyParser(child, key);
-            } else if (name == QLatin1String("compat_flags")) {
-                clearSwitchedOff(child, flags);
-            }
-        }
-        flagsByKey.insert(key, flags);
+    for (QDomElement const& element : configurations) {
+        const Configuration configuration = readConfiguration(element);
+        flagsByKey.insert(configuration.key, configuration.flags);
     }
     return flagsByKey;
+}
+
+PkCompatProfile ConversionSteps::readProfile(QDomElement const& profile)
+{
+    QtPkCompatProfile read;
+    read.Import(profile);
+    read.name = newProfileName(profile.attribute(QStringLiteral("name"))).toStdString();
+    return read;
 }
 
 ConversionSteps::ProfilesById
@@ -161,10 +179,7 @@ ConversionSteps::readProfiles(std::vector<QDomElement> const& profiles)
 {
     ProfilesById profilesById;
     for (QDomElement const& element : profiles) {
-        QtPkCompatProfile profile;
-        profile.Import(element);
-        profile.name = newProfileName(element.attribute(QStringLiteral("name"))).toStdString();
-        profilesById.insert(element.attribute(QStringLiteral("id")), profile);
+        profilesById.insert(element.attribute(QStringLiteral("id")), readProfile(element));
     }
     return profilesById;
 }

@@ -52,8 +52,35 @@ struct OldSection
     std::vector<QDomElement> profiles;
 };
 
+/** What one child element of "mic_channels" says; the profile id is null when it says none. */
+struct Channel
+{
+    QString profileId;
+    CompatSystemUniqueKey key;
+};
+
+/** What one "compat_config" element says. */
+struct Configuration
+{
+    CompatSystemUniqueKey key;
+    CompatConfigFlags flags;
+};
+
 /** The places of the document's section; none when there is not exactly one section. */
 std::optional<OldSection> findOldSection(QDomDocument const& document);
+
+/** Of repeated elements the last one counts, key field by key field. */
+Channel readChannel(QDomElement const& channel);
+
+/** Key fields as in readChannel(); a flag that is 0 anywhere is switched off. */
+Configuration readConfiguration(QDomElement const& configuration);
+
+/**
+ * The profile with its new name.
+ *
+ * @throws std::runtime_error when the "id" is missing or no UUID.
+ */
+PkCompatProfile readProfile(QDomElement const& profile);
 
 /**
  * The system key that each profile id of the channels stands for.
