@@ -52,17 +52,18 @@ void CoordWorkSpaceSectionConverter0_3::ReadInputFile(const QString& path, QStri
     if (!file.open(QIODevice::ReadOnly)) {
         return;
     }
-    QTextStream stream(&file);
+    // Read at one go: a pipe has no beginning to go back to.
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError) {
+        return; // half a document must not pass for a whole one
+    }
+    QTextStream stream(bytes);
     if (looksLikeUtf16(stream.readLine())) {
         stream.setAutoDetectUnicode(false);
         stream.setCodec(QTextCodec::codecForName("UTF-16"));
     }
     stream.seek(0);
-    const QString content = stream.readAll();
-    // Half a document must not pass for a whole one.
-    if (file.error() == QFileDevice::NoError) {
-        text = content;
-    }
+    text = stream.readAll();
 }
 
 bool CoordWorkSpaceSectionConverter0_3::Convert(QDomDocument& document)

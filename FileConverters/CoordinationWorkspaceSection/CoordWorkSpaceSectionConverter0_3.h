@@ -28,8 +28,8 @@ public:
      *
      * A Unicode byte-order mark decides the encoding. Without one it is the locale's (UTF-8 unless
      * a program sets another), or UTF-16 in the machine's byte order when the first line reads as
-     * exactly one character up to its end or the first NUL, as UTF-16 text does that starts with
-     * "<".
+     * exactly one ASCII character up to its end or the first NUL, as UTF-16 text does that starts
+     * with "<".
      * @param text  replaced by the content; left as it is when the file cannot be opened or fails
      *              while it is read.
      */

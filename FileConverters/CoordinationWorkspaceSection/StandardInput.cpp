@@ -5,15 +5,14 @@
 #include <istream>
 #include <string>
 
-bool readJoinedLines(std::istream& stream, QString& text, std::vector<int>* lineStarts)
+namespace {
+
+void appendLines(std::istream& stream, QString& text, std::vector<int>* lineStarts)
 {
     const char lineFeed = stream.widen('\n');
     std::string line;
     while (!stream.eof()) {
         std::getline(stream, line, lineFeed);
-        if (stream.bad()) {
-            return false;
-        }
         if (lineStarts != nullptr) {
             lineStarts->push_back(text.size());
         }
@@ -21,5 +20,18 @@ bool readJoinedLines(std::istream& stream, QString& text, std::vector<int>* line
             text += QString::fromStdString(line);
         }
     }
-    return true;
+}
+
+} // namespace
+
+bool readJoinedLines(std::istream& stream, QString& text, std::vector<int>* lineStarts)
+{
+    try {
+        // Without exceptions a stream shows exhausted memory as a failed device.
+        stream.exceptions(std::ios::badbit);
+        appendLines(stream, text, lineStarts);
+        return true;
+    } catch (const std::ios_base::failure&) {
+        return false;
+    }
 }

@@ -298,6 +298,12 @@ class FileTest(ProgramTest):
                 self.assert_converted(run("./" + name, cwd=self.folder), GOOD_OUTPUT)
         self.assert_converted(run("with blanks.xml", cwd=self.folder), GOOD_OUTPUT)
 
+    def test_pipe_as_a_file(self):
+        document = GOOD.replace(b"><", b">\n<", 1)
+        self.assert_converted(run("/dev/stdin", stdin=document), GOOD_OUTPUT)
+        self.assert_converted(run("/dev/stdin", stdin=document.decode().encode("utf-16-le")),
+                              GOOD_OUTPUT)
+
     def test_paths_in_the_c_locale(self):
         for locale in ("C", "POSIX", "C.UTF-8", "xx_XX"):
             environment = {**clean_environment(), "LC_ALL": locale, "LANG": locale}
@@ -550,12 +556,19 @@ class OutputTest(ProgramTest):
             self.skipTest("The address sanitizer needs more address space than a limit leaves.")
         path = self.file(GOOD.replace(b"x", b"x" * 4000000))
         whole = run(path).stdout
+        for stdin in (False, True):
+            self.sweep_memory(path, stdin, whole)
+
+    def sweep_memory(self, path, from_stdin, whole):
         ends = set()
         for mebibytes in range(40, 160, 8):
-            process = run(path, prepare=lambda: resource.setrlimit(
-                resource.RLIMIT_AS, (mebibytes << 20, mebibytes << 20)))
+            with open(path, "rb") as document:
+                process = run(
+                    *([] if from_stdin else [path]), stdin=document,
+                    prepare=lambda: resource.setrlimit(
+                        resource.RLIMIT_AS, (mebibytes << 20, mebibytes << 20)))
             ends.add(process.returncode)
-            with self.subTest(mebibytes=mebibytes):
+            with self.subTest(mebibytes=mebibytes, stdin=from_stdin):
                 if process.returncode == 0:
                     self.assertEqual(process.stdout, whole)
                     self.assertEqual(process.stderr, PROGRESS)
