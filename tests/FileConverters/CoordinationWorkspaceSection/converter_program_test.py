@@ -304,18 +304,21 @@ class FileTest(ProgramTest):
         self.assert_converted(run("/dev/stdin", stdin=document.decode().encode("utf-16-le")),
                               GOOD_OUTPUT)
 
-    def test_paths_in_the_c_locale(self):
-        for locale in ("C", "POSIX", "C.UTF-8", "xx_XX"):
+    # An empty one means that the environment names none.
+    LOCALES = ("C", "POSIX", "C.UTF-8", "xx_XX", "de_DE.ISO-8859-1", "ru_RU.KOI8-R", "")
+
+    def test_paths_in_other_locales(self):
+        for locale in self.LOCALES:
             environment = {**clean_environment(), "LC_ALL": locale, "LANG": locale}
             for name in ("süd.xml", "司会.xml"):
                 with self.subTest(locale=locale, name=name):
                     self.assert_converted(run(self.file(GOOD, name), environment=environment),
                                           GOOD_OUTPUT)
 
-    def test_text_in_the_c_locale(self):
+    def test_text_in_other_locales(self):
         path = self.file(GOOD.replace(b"x", "äЖ€𝄞".encode()))
         expected = GOOD_OUTPUT.replace(b"<t>x", "<t>äЖ€𝄞".encode())
-        for locale in ("C", "POSIX"):
+        for locale in self.LOCALES:
             environment = {**clean_environment(), "LC_ALL": locale, "LANG": locale}
             with self.subTest(locale=locale):
                 self.assert_converted(run(path, environment=environment), expected)
