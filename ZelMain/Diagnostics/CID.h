@@ -14,7 +14,11 @@ class CID
 {
 public:
     CID() = default;
-    /** Takes the 16 bytes that start at @p bytes, as Unpack does. */
+    /**
+     * Takes the 16 bytes that start at @p bytes, as Unpack does.
+     *
+     * Never by itself: the zeros of logDebug("%d %d", 0, 0) would pass for identifiers, too.
+     */
     explicit CID(const unsigned char* bytes);
     CID(const CID& other) = default;
     CID& operator=(const CID& other) = default;

@@ -5,6 +5,9 @@
 
 #include <type_traits>
 
+static_assert(std::is_constructible_v<CID, const unsigned char*>);
+static_assert(!std::is_convertible_v<const unsigned char*, CID>);
+
 class CIDTest : public QObject
 {
     Q_OBJECT
