@@ -1,5 +1,7 @@
 #include "ZelMain/Diagnostics/FileOutDevConfig.h"
 
+#include "tests/support/VirtualSlot.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -8,8 +10,11 @@
 #include <QtTest>
 
 #include <memory>
+#include <type_traits>
+#include <vector>
 
 using PkLogger::FileOutDevConfig;
+using PkLogger::FileOutDevConfigInterface;
 
 class FileOutDevConfigTest : public QObject
 {
@@ -28,7 +33,8 @@ private slots:
     void valuesAreReadFromTheirKeys();
     void limitIsAnyUnsignedNumber_data();
     void limitIsAnyUnsignedNumber();
-    void limitThatIsNoNumberReadsAsZero();
+    void limitThatDoesNotFitReadsAsZero_data();
+    void limitThatDoesNotFitReadsAsZero();
     void emptyBaseNameIsAValue();
 
     void folderIsTheRememberedLogFolder();
@@ -39,7 +45,26 @@ private slots:
     void settingsAreThoseOfTheNamedApplication();
     void organisationAloneNamesAnApplicationObject();
     void folderIsSharedByAllApplications();
+
+    void operationsStandInTheirSlots();
 };
+
+namespace {
+
+/** The operations in the order of their slots. */
+template <typename CONFIG>
+std::vector<int> slotsOf()
+{
+    return {
+        virtualSlot(&CONFIG::getBaseFileName),    virtualSlot(&CONFIG::getFolderName),
+        virtualSlot(&CONFIG::getBannerName),      virtualSlot(&CONFIG::getSizeLimit),
+        virtualSlot(&CONFIG::getTimeLimit),       virtualSlot(&CONFIG::rememberBaseFileName),
+        virtualSlot(&CONFIG::rememberFolderName), virtualSlot(&CONFIG::rememberSizeLimit),
+        virtualSlot(&CONFIG::rememberTimeLimit),
+    };
+}
+
+} // namespace
 
 /** Each test starts in the fresh account of a new user, in a program that has not named itself. */
 void FileOutDevConfigTest::init()
@@ -130,10 +155,23 @@ void FileOutDevConfigTest::limitIsAnyUnsignedNumber()
     QTEST(FileOutDevConfig("banner").getTimeLimit(), "limit");
 }
 
-void FileOutDevConfigTest::limitThatIsNoNumberReadsAsZero()
+void FileOutDevConfigTest::limitThatDoesNotFitReadsAsZero_data()
 {
-    QSettings("Velto", "Zel6").setValue("LogGroup/LogFileMaxSize", "many");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("no number") << "many";
+    QTest::newRow("empty") << "";
+    QTest::newRow("negative") << "-1";
+    QTest::newRow("too large") << "4294967296";
+    QTest::newRow("fraction") << "1.5";
+}
+
+void FileOutDevConfigTest::limitThatDoesNotFitReadsAsZero()
+{
+    QFETCH(QString, text);
+    QSettings("Velto", "Zel6").setValue("LogGroup/LogFileMaxSize", text);
+    QSettings("Velto", "Zel6").setValue("LogGroup/LogFileMaxTime", text);
     QCOMPARE(FileOutDevConfig("banner").getSizeLimit(), 0U);
+    QCOMPARE(FileOutDevConfig("banner").getTimeLimit(), 0U);
 }
 
 void FileOutDevConfigTest::emptyBaseNameIsAValue()
@@ -230,6 +268,14 @@ void FileOutDevConfigTest::folderIsSharedByAllApplications()
     FileOutDevConfig("banner").rememberFolderName(home());
     QCoreApplication::setOrganizationName("Somebody else");
     QCOMPARE(FileOutDevConfig("banner").getFolderName(), home());
+}
+
+void FileOutDevConfigTest::operationsStandInTheirSlots()
+{
+    const std::vector<int> inOrder = {0, 1, 2, 3, 4, 5, 6, 7, 8};
+    QCOMPARE(slotsOf<FileOutDevConfigInterface>(), inOrder);
+    QCOMPARE(slotsOf<FileOutDevConfig>(), inOrder);
+    QVERIFY(std::has_virtual_destructor_v<FileOutDevConfigInterface>);
 }
 
 // Without an application object, so that a program may also have no application name at all.

@@ -1,14 +1,20 @@
 #include "ZelMain/FrequencyCompatibility/shared/CompatKey.h"
 
+#include "tests/support/VirtualSlot.h"
+
 #include <QtTest>
 
 #include <map>
 #include <memory>
 #include <sstream>
+#include <type_traits>
 
 using Basic = BasicCompatSystemUniqueKey;
 using Compat = CompatSystemUniqueKey;
 using Agility = AgilityOrderedCompatSystemUniqueKey;
+
+static_assert(!std::has_virtual_destructor_v<Basic>);
+static_assert(!std::has_virtual_destructor_v<Agility>);
 
 namespace {
 
@@ -34,6 +40,33 @@ QByteArray printed(KEY const& key)
     stream << key;
     return QByteArray::fromStdString(stream.str());
 }
+
+// The five operations, the same slots in every class.
+template <typename KEY>
+std::vector<int> slotsOf()
+{
+    return {virtualSlot(&KEY::Reset), virtualSlot(&KEY::ToString), virtualSlot(&KEY::FromString),
+            virtualSlot(&KEY::Serialize), virtualSlot(&KEY::Deserialize)};
+}
+
+// Keys have no virtual destructor, so neither has one that derives from them.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
+// Counts how often it was reset.
+class CountingKey : public Basic
+{
+public:
+    void Reset() override
+    {
+        ++resets;
+        Basic::Reset();
+    }
+
+    int resets = 0;
+};
+
+#pragma GCC diagnostic pop
 
 // The order as it is written down: joined texts, compared as unsigned bytes.
 bool joinedIsLess(std::string const& left, std::string const& right)
@@ -61,6 +94,8 @@ private slots:
     void keysConvertToTheirShorterForms();
     void resetEmptiesEveryField();
     void slotOrderIsTheSameInEveryClass();
+    void operationsAreReachedThroughTheBase();
+    void readingResetsVirtually();
     void validityFollowsTheFilledFields_data();
     void validityFollowsTheFilledFields();
     void basicTextIsRead_data();
@@ -139,7 +174,33 @@ void CompatKeyTest::resetEmptiesEveryField()
 
 void CompatKeyTest::slotOrderIsTheSameInEveryClass()
 {
-    // A table with the five operations in order, called through the base of each class.
+    const std::vector<int> inOrder = {0, 1, 2, 3, 4};
+    QCOMPARE(slotsOf<Basic>(), inOrder);
+    QCOMPARE(slotsOf<Compat>(), inOrder);
+    QCOMPARE(slotsOf<Agility>(), inOrder);
+    QCOMPARE(virtualSlot(&Basic::IsNull), -1);
+    QCOMPARE(virtualSlot(&Basic::IsValid), -1);
+    QCOMPARE(virtualSlot(&Compat::IsNull), -1);
+    QCOMPARE(virtualSlot(&Compat::IsValid), -1);
+}
+
+void CompatKeyTest::readingResetsVirtually()
+{
+    CountingKey key;
+    QVERIFY(key.FromString("S|B"));
+    QCOMPARE(key.resets, 1);
+    QVERIFY(!key.FromString(""));
+    QCOMPARE(key.resets, 2);
+    QVERIFY(!key.FromString("S|"));
+    QCOMPARE(key.resets, 4); // before and after the reading
+    QVERIFY(key.Deserialize("S\0B\0T", 5));
+    QCOMPARE(key.resets, 5);
+    QVERIFY(!key.Deserialize(nullptr, 0));
+    QCOMPARE(key.resets, 6);
+}
+
+void CompatKeyTest::operationsAreReachedThroughTheBase()
+{
     Compat compat("Z", "S", "B", "T", "G");
     Basic& asBasic = compat;
     QCOMPARE(asBasic.ToString(), std::string("Z|S|B|T|G"));

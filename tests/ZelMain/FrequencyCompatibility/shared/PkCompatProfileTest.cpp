@@ -1,5 +1,7 @@
 #include "ZelMain/FrequencyCompatibility/shared/PkCompatProfile.h"
 
+#include "tests/support/VirtualSlot.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -34,6 +36,20 @@ PkCompatProfile filledProfile()
     return profile;
 }
 
+// Leaves its mark on the element.
+class MarkedProfile : public PkCompatProfile
+{
+public:
+    using PkCompatProfile::Export;
+    tinyxml2::XMLElement* Export(tinyxml2::XMLDocument& doc,
+                                 tinyxml2::XMLElement* parent) const override
+    {
+        tinyxml2::XMLElement* const element = PkCompatProfile::Export(doc, parent);
+        element->SetAttribute("mark", "here");
+        return element;
+    }
+};
+
 QByteArray compactText(tinyxml2::XMLDocument const& document)
 {
     tinyxml2::XMLPrinter printer(nullptr, true);
@@ -56,12 +72,14 @@ class PkCompatProfileTest : public QObject
 private slots:
     void newProfileHasItsDefaults();
     void copiesAreMemberwise();
+    void operationsStandInTheirSlots();
     void elementHasItsLayout();
     void defaultProfileIsWritten();
     void centreListIsNeverWritten();
     void elementGoesBelowTheParent();
     void elementWithoutParentIsTheDocumentsOnlyNode();
     void fileIsIndentedWhateverCompactSays();
+    void fileAsksForTheElementVirtually();
     void fileThatCannotBeWrittenIsReported_data();
     void fileThatCannotBeWrittenIsReported();
     void recordCannotReadItselfNorBeBinary();
@@ -110,6 +128,20 @@ void PkCompatProfileTest::copiesAreMemberwise()
         QVERIFY(!profile.imdSource);
         QVERIFY(profile.synthesizable);
     }
+}
+
+void PkCompatProfileTest::operationsStandInTheirSlots()
+{
+    using ToFile = bool (PkCompatProfile::*)(std::string const&, bool) const;
+    using ToDocument = tinyxml2::XMLElement* (PkCompatProfile::*)(tinyxml2::XMLDocument&,
+                                                                  tinyxml2::XMLElement*) const;
+    // The destructor stands in front of them.
+    QCOMPARE(virtualSlot(ToFile(&PkCompatProfile::Export)), 2);
+    QCOMPARE(virtualSlot(ToDocument(&PkCompatProfile::Export)), 3);
+    QCOMPARE(virtualSlot(&PkCompatProfile::Import), 4);
+    QCOMPARE(virtualSlot(&PkCompatProfile::Serialize), 5);
+    QCOMPARE(virtualSlot(&PkCompatProfile::Deserialize), 6);
+    QVERIFY(std::has_virtual_destructor_v<PkCompatProfile>);
 }
 
 void PkCompatProfileTest::elementHasItsLayout()
@@ -196,6 +228,14 @@ void PkCompatProfileTest::fileIsIndentedWhateverCompactSays()
     QCOMPARE(read.LoadFile(plain.toLocal8Bit().constData()), tinyxml2::XML_SUCCESS);
     QCOMPARE(QByteArray(read.RootElement()->Attribute("name")),
              QByteArray("B\xC3\xBChne <1> & \"2\""));
+}
+
+void PkCompatProfileTest::fileAsksForTheElementVirtually()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("marked.xml"));
+    QVERIFY(MarkedProfile().Export(path.toStdString(), false));
+    QVERIFY(contentOf(path).contains(" mark=\"here\""));
 }
 
 void PkCompatProfileTest::fileThatCannotBeWrittenIsReported_data()

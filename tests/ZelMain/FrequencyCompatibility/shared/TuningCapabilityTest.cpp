@@ -1,5 +1,7 @@
 #include "ZelMain/FrequencyCompatibility/shared/TuningCapability.h"
 
+#include "tests/support/VirtualSlot.h"
+
 #include <QDir>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -66,6 +68,7 @@ private slots:
     void givenIdIsKept();
     void copyHasAllFields();
     void fileOperationsDoNothing();
+    void operationsStandInTheirSlots();
 };
 
 void TuningCapabilityTest::newCapabilityHasNoFrequencies()
@@ -158,6 +161,13 @@ void TuningCapabilityTest::fileOperationsDoNothing()
     QVERIFY(!capability.Import(std::string()));
     QVERIFY(capability.id == id);
     QVERIFY(QDir(folder.path()).isEmpty());
+}
+
+void TuningCapabilityTest::operationsStandInTheirSlots()
+{
+    // The destructor stands behind them.
+    QCOMPARE(virtualSlot(&TuningCapability::Export), 0);
+    QCOMPARE(virtualSlot(&TuningCapability::Import), 1);
 }
 
 QTEST_GUILESS_MAIN(TuningCapabilityTest)
