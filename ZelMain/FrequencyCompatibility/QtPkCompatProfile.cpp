@@ -171,7 +171,8 @@ bool QtPkCompatProfile::Import(std::string const& path)
     }
     QFile file(fileName);
     QDomDocument document;
-    // A file that cannot be read or parsed leaves no first child, which is refused below.
+    // Whatever the parser says: what it made before an error counts, and a file that cannot be read
+    // leaves no first child, which is refused below.
     document.setContent(&file);
     return Import(document.firstChild());
 }

@@ -28,7 +28,8 @@ public:
      * Reads a file as StoreInXml() writes it.
      *
      * The element must be the first node of the file: an XML declaration, another processing
-     * instruction or a comment in front of it is refused.
+     * instruction or a comment in front of it is refused. A file that stops being well-formed
+     * further on is read up to there.
      * @param path  in UTF-8.
      * @return as Import(QDomNode const&), which may throw; false when the file cannot be read.
      */

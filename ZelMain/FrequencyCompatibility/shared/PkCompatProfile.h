@@ -48,7 +48,8 @@ public:
     /**
      * Makes the "compat_profile" element in @p doc, which owns it.
      *
-     * @param parent  gets the element as its last child; when null, the document itself does.
+     * @param parent  an element of @p doc that gets the element as its last child; when null, the
+     *     document itself does.
      * @return the element. A list of filter centres is never written, whatever the filter type.
      */
     virtual tinyxml2::XMLElement* Export(tinyxml2::XMLDocument& doc,

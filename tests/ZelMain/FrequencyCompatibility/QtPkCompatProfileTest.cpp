@@ -1,5 +1,7 @@
 #include "ZelMain/FrequencyCompatibility/QtPkCompatProfile.h"
 
+#include "tests/support/VirtualSlot.h"
+
 #include <QBuffer>
 #include <QDir>
 #include <QDomDocument>
@@ -106,6 +108,33 @@ QByteArray contentOf(QString const& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
+// Leaves its mark on the element it makes, and knows whether it was given a node to read.
+class MarkedProfile : public QtPkCompatProfile
+{
+public:
+    using QtPkCompatProfile::Export;
+    using QtPkCompatProfile::Import;
+    QDomElement Export() override
+    {
+        QDomElement element = QtPkCompatProfile::Export();
+        element.setAttribute(QStringLiteral("mark"), QStringLiteral("here"));
+        return element;
+    }
+    bool Import(QDomNode const& node) override
+    {
+        readNode = node.nodeName();
+        return QtPkCompatProfile::Import(node);
+    }
+
+    QString readNode;
+};
+
+bool writeContent(QString const& path, QByteArray const& content)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
+}
+
 // Takes a number of bytes, then no more.
 class FullDevice : public QIODevice
 {
@@ -136,6 +165,7 @@ private slots:
     void profileTakesARecord();
     void copiesDoNotShareTheDocument();
     void assignmentLeavesTheTargetItsDocument();
+    void operationsStandInTheirSlots();
 
     void elementHasItsLayout();
     void defaultProfileIsWritten();
@@ -143,6 +173,7 @@ private slots:
     void centreListIsWrittenForItsFilterTypeOnly_data();
     void centreListIsWrittenForItsFilterTypeOnly();
     void elementIsAppendedToTheParent();
+    void elementIsAppendedToADocument();
     void nullParentIsLeftAlone();
     void elementOfADocumentIsNotAttached();
 
@@ -153,6 +184,7 @@ private slots:
     void idIsReadInEveryUuidForm();
     void idThatIsNoUuidThrows_data();
     void idThatIsNoUuidThrows();
+    void instructionOfThatNameHasNoId();
     void nameIsAlwaysOverwritten();
     void flagsAreReadWhenPresent_data();
     void flagsAreReadWhenPresent();
@@ -170,11 +202,17 @@ private slots:
     void deviceGetsTheDocument_data();
     void deviceGetsTheDocument();
     void secondStoreWritesTwoElements();
+    void storingAsksForTheElementVirtually();
     void deviceThatIsNotWritableIsRefused();
     void deviceThatIsFullIsReported_data();
     void deviceThatIsFullIsReported();
 
     void fileIsWrittenAndReadBack();
+    void nameComesBackFromAFile_data();
+    void nameComesBackFromAFile();
+    void fileIsReadThroughItsNodeVirtually();
+    void fileIsReadAsFarAsItIsWellFormed_data();
+    void fileIsReadAsFarAsItIsWellFormed();
     void constProfileWritesTheLightForm();
     void fileThatCannotBeWrittenIsReported_data();
     void fileThatCannotBeWrittenIsReported();
@@ -223,6 +261,26 @@ void QtPkCompatProfileTest::assignmentLeavesTheTargetItsDocument()
     second.open(QIODevice::WriteOnly);
     QVERIFY(target.StoreInXml(second, true));
     QCOMPARE(second.data().count("<compat_profile "), 2);
+}
+
+void QtPkCompatProfileTest::operationsStandInTheirSlots()
+{
+    using Profile = QtPkCompatProfile;
+    using ToFile = bool (Profile::*)(std::string const&, bool);
+    using ToFileLight = bool (PkCompatProfile::*)(std::string const&, bool) const;
+    using ToElement = QDomElement (Profile::*)();
+    using ToDocument = QDomElement (Profile::*)(QDomDocument&);
+    using ToParent = void (Profile::*)(QDomNode&);
+    using FromFile = bool (Profile::*)(std::string const&);
+    using FromNode = bool (Profile::*)(QDomNode const&);
+    QCOMPARE(virtualSlot(ToFileLight(&Profile::Export)), 2);
+    QCOMPARE(virtualSlot(FromFile(&Profile::Import)), 4);
+    QCOMPARE(virtualSlot(FromNode(&Profile::Import)), 7);
+    QCOMPARE(virtualSlot(ToElement(&Profile::Export)), 8);
+    QCOMPARE(virtualSlot(ToFile(&Profile::Export)), 9);
+    QCOMPARE(virtualSlot(ToDocument(&Profile::Export)), -1);
+    QCOMPARE(virtualSlot(ToParent(&Profile::Export)), -1);
+    QCOMPARE(virtualSlot(&Profile::StoreInXml), -1);
 }
 
 void QtPkCompatProfileTest::elementHasItsLayout()
@@ -291,6 +349,16 @@ void QtPkCompatProfileTest::elementIsAppendedToTheParent()
     QCOMPARE(parent.childNodes().size(), 2);
     QCOMPARE(described(parent.lastChild()), describedFilledElement());
     QCOMPARE(parent.lastChild().ownerDocument(), document);
+}
+
+void QtPkCompatProfileTest::elementIsAppendedToADocument()
+{
+    QDomDocument document;
+    document.appendChild(document.createComment(QStringLiteral("first")));
+    QDomNode parent = document;
+    QtPkCompatProfile(filledProfile()).Export(parent);
+    QCOMPARE(document.childNodes().size(), 2);
+    QCOMPARE(described(document.lastChild()), describedFilledElement());
 }
 
 void QtPkCompatProfileTest::nullParentIsLeftAlone()
@@ -391,6 +459,14 @@ void QtPkCompatProfileTest::idThatIsNoUuidThrows()
 
     element.removeAttribute(QStringLiteral("id"));
     QVERIFY_EXCEPTION_THROWN(profile.Import(element), std::runtime_error);
+    QVERIFY(recordsAreEqual(profile, filledProfile()));
+}
+
+void QtPkCompatProfileTest::instructionOfThatNameHasNoId()
+{
+    const QDomDocument document = parsed(QStringLiteral("<?compat_profile x?><root/>"));
+    QtPkCompatProfile profile(filledProfile());
+    QVERIFY_EXCEPTION_THROWN(profile.Import(document.firstChild()), std::runtime_error);
     QVERIFY(recordsAreEqual(profile, filledProfile()));
 }
 
@@ -582,6 +658,15 @@ void QtPkCompatProfileTest::secondStoreWritesTwoElements()
     QCOMPARE(second.data().count("<ch_ch>350</ch_ch>"), 1);
 }
 
+void QtPkCompatProfileTest::storingAsksForTheElementVirtually()
+{
+    MarkedProfile profile;
+    QBuffer buffer;
+    buffer.open(QIODevice::WriteOnly);
+    QVERIFY(profile.StoreInXml(buffer, true));
+    QVERIFY(buffer.data().contains(" mark=\"here\""));
+}
+
 void QtPkCompatProfileTest::deviceThatIsNotWritableIsRefused()
 {
     QtPkCompatProfile profile;
@@ -634,6 +719,61 @@ void QtPkCompatProfileTest::fileIsWrittenAndReadBack()
     PkCompatProfile& asRecord = back;
     QVERIFY(asRecord.Import(path));
     QCOMPARE(back.filterCenterList.size(), std::size_t(4));
+}
+
+void QtPkCompatProfileTest::nameComesBackFromAFile_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::newRow("markup") << QByteArray("<a b='c' d=\"e\">&amp;");
+    QTest::newRow("white space") << QByteArray(" a\tb\nc ");
+    QTest::newRow("two bytes a character") << QByteArray("B\xC3\xBChne");
+    QTest::newRow("four bytes a character") << QByteArray("\xF0\x9D\x84\x9E");
+}
+
+void QtPkCompatProfileTest::nameComesBackFromAFile()
+{
+    QFETCH(QByteArray, name);
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("profile.xml")).toStdString();
+    QtPkCompatProfile profile;
+    profile.name = name.toStdString();
+    QVERIFY(profile.Export(path, false));
+    QtPkCompatProfile back;
+    QVERIFY(back.Import(path));
+    QCOMPARE(QByteArray::fromStdString(back.name), name);
+}
+
+void QtPkCompatProfileTest::fileIsReadThroughItsNodeVirtually()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("profile.xml"));
+    QVERIFY(writeContent(path, "<compat_profile id='" + ID_TEXT.toLatin1() + "'/>"));
+    MarkedProfile profile;
+    QVERIFY(profile.Import(path.toStdString()));
+    QCOMPARE(profile.readNode, QStringLiteral("compat_profile"));
+}
+
+void QtPkCompatProfileTest::fileIsReadAsFarAsItIsWellFormed_data()
+{
+    QTest::addColumn<QByteArray>("behind");
+    QTest::newRow("cut short") << QByteArray();
+    QTest::newRow("cut short within the next") << QByteArray("<filter type='3'><filter_st");
+    QTest::newRow("wrong end tag") << QByteArray("</other>");
+    QTest::newRow("second root") << QByteArray("</compat_profile><compat_profile/>");
+    QTest::newRow("text behind the root") << QByteArray("</compat_profile>text");
+}
+
+void QtPkCompatProfileTest::fileIsReadAsFarAsItIsWellFormed()
+{
+    QFETCH(QByteArray, behind);
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("profile.xml"));
+    QVERIFY(writeContent(path, "<compat_profile id='" + ID_TEXT.toLatin1() +
+                                   "' name='half'><spacing><ch_ch>7</ch_ch></spacing>" + behind));
+    QtPkCompatProfile profile;
+    QVERIFY(profile.Import(path.toStdString()));
+    QCOMPARE(profile.name, std::string("half"));
+    QCOMPARE(profile.chCh, 7);
 }
 
 void QtPkCompatProfileTest::constProfileWritesTheLightForm()

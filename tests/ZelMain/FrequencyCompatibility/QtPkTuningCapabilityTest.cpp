@@ -1,5 +1,7 @@
 #include "ZelMain/FrequencyCompatibility/QtPkTuningCapability.h"
 
+#include "tests/support/VirtualSlot.h"
+
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
@@ -148,7 +150,9 @@ private slots:
     void defaultCapabilityHasOnlyItsAttributes();
     void recordIsCopied();
     void copyHasItsOwnDocument();
+    void operationsStandInTheirSlots();
     void exportToAParentAppends();
+    void exportToADocumentAsParentAppends();
     void exportToANullParentDoesNothing();
     void exportMakesTheElementInTheOwnDocument();
     void childNodeIsMadeInTheOwnDocument();
@@ -157,6 +161,7 @@ private slots:
     void otherNamesAreRefused();
     void idIsRead_data();
     void idIsRead();
+    void instructionOfThatNameHasNoId();
     void numberIsRead_data();
     void numberIsRead();
     void rangeIsRead_data();
@@ -290,6 +295,28 @@ void QtPkTuningCapabilityTest::copyHasItsOwnDocument()
     QVERIFY(copy.Export().ownerDocument() != original.Export().ownerDocument());
 }
 
+void QtPkTuningCapabilityTest::operationsStandInTheirSlots()
+{
+    using Capability = QtPkTuningCapability;
+    using ToFile = bool (Capability::*)(std::string const&, bool);
+    using ToFileOfRecord = bool (TuningCapability::*)(std::string const&, bool) const;
+    using ToElement = QDomElement (Capability::*)();
+    using ToDocument = QDomElement (Capability::*)(QDomDocument&);
+    using ToParent = void (Capability::*)(QDomNode&);
+    using FromFile = bool (Capability::*)(std::string const&);
+    using FromNode = bool (Capability::*)(QDomNode const&);
+    QCOMPARE(virtualSlot(ToFileOfRecord(&Capability::Export)), 0);
+    QCOMPARE(virtualSlot(FromFile(&Capability::Import)), 1);
+    // The destructor stands between them.
+    QCOMPARE(virtualSlot(FromNode(&Capability::Import)), 4);
+    QCOMPARE(virtualSlot(ToElement(&Capability::Export)), 5);
+    QCOMPARE(virtualSlot(ToFile(&Capability::Export)), 6);
+    QCOMPARE(virtualSlot(ToDocument(&Capability::Export)), -1);
+    QCOMPARE(virtualSlot(ToParent(&Capability::Export)), -1);
+    QCOMPARE(virtualSlot(&Capability::StoreInXml), -1);
+    QCOMPARE(virtualSlot(&Capability::CreateChildNode), -1);
+}
+
 void QtPkTuningCapabilityTest::exportToAParentAppends()
 {
     QDomDocument document = parsed(QStringLiteral("<root><first/></root>"));
@@ -300,6 +327,16 @@ void QtPkTuningCapabilityTest::exportToAParentAppends()
                                 .arg(elementWith(QStringLiteral(
                                     "freq_list freq_units=KHz{freq{470000}; freq{470025}}"))));
     QVERIFY(root.lastChild().ownerDocument() == document);
+}
+
+void QtPkTuningCapabilityTest::exportToADocumentAsParentAppends()
+{
+    QDomDocument document;
+    document.appendChild(document.createComment(QStringLiteral("first")));
+    QDomNode parent = document;
+    listed().Export(parent);
+    QCOMPARE(document.childNodes().size(), 2);
+    QVERIFY(document.lastChild().ownerDocument() == document);
 }
 
 void QtPkTuningCapabilityTest::exportToANullParentDoesNothing()
@@ -397,6 +434,15 @@ void QtPkTuningCapabilityTest::idIsRead()
     QVERIFY(capability.Import(document.documentElement()));
     QTEST(idOf(capability), "id");
     QCOMPARE(capability.step, 5); // the rest is read in any case
+}
+
+void QtPkTuningCapabilityTest::instructionOfThatNameHasNoId()
+{
+    const QDomDocument document = parsed(QStringLiteral("<?tuning_capability x?><root/>"));
+    QtPkTuningCapability capability = rastered();
+    QVERIFY(capability.Import(document.firstChild()));
+    QCOMPARE(idOf(capability), NIL_ID);
+    QCOMPARE(capability.step, 25);
 }
 
 void QtPkTuningCapabilityTest::numberIsRead_data()
