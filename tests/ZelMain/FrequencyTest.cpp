@@ -88,6 +88,8 @@ class FrequencyTest : public QObject
     Q_OBJECT
 
 private slots:
+    void metaTypeIsRegisteredOnFirstUse(); // stands before whatever else uses it
+
     void newValueIsNullAndFindsBest();
     void zeroMayReadAsANumber();
     void copyKeepsEverything();
@@ -118,6 +120,7 @@ private slots:
     void multipleOfAStep();
     void orderIsExactButEqualityIsInHertz_data();
     void orderIsExactButEqualityIsInHertz();
+    void notANumberIsNeitherBeforeNorAfter();
     void sumAndDifferenceAreNotRounded();
     void productIsRoundedToAKilohertz_data();
     void productIsRoundedToAKilohertz();
@@ -141,6 +144,13 @@ private slots:
     void metaTypeHasItsName();
     void metaTypeConstructs();
 };
+
+void FrequencyTest::metaTypeIsRegisteredOnFirstUse()
+{
+    QCOMPARE(QMetaType::type("Frequency"), int(QMetaType::UnknownType));
+    const int id = QVariant(Frequency()).userType();
+    QCOMPARE(QMetaType::type("Frequency"), id);
+}
 
 void FrequencyTest::newValueIsNullAndFindsBest()
 {
@@ -496,6 +506,19 @@ void FrequencyTest::orderIsExactButEqualityIsInHertz()
     QCOMPARE(a >= b, !isLess);
     QTEST(a == b, "isEqual");
     QCOMPARE(a != b, !(a == b));
+}
+
+void FrequencyTest::notANumberIsNeitherBeforeNorAfter()
+{
+    const Frequency none = Frequency::fromKhz(NOT_A_NUMBER);
+    for (const Frequency& other : {none, Frequency(), Frequency::fromKhz(470125.0)}) {
+        QVERIFY(!(none < other));
+        QVERIFY(!(none <= other));
+        QVERIFY(!(none > other));
+        QVERIFY(!(none >= other));
+        QVERIFY(!(other < none));
+        QVERIFY(!(other >= none));
+    }
 }
 
 void FrequencyTest::sumAndDifferenceAreNotRounded()
