@@ -8,6 +8,7 @@
 
 #include <limits>
 #include <memory>
+#include <sys/stat.h>
 
 class LogFilesCleanupTest : public QObject
 {
@@ -37,6 +38,7 @@ private slots:
     void nameDecidesOnRemoval();
     void otherExtensionStaysWhateverItsAge();
     void hiddenFileStays();
+    void pipeStays();
     void folderStays();
     void fileInASubfolderStays();
     void fileThatCannotBeRemovedDoesNotEndThePass();
@@ -219,6 +221,11 @@ void LogFilesCleanupTest::nameDecidesOnRemoval_data()
                                                            << "Log.txt" << true;
     QTest::newRow("placeholder in the base name") << "100%1"
                                                   << "100%1.txt" << false;
+    QTest::newRow("base name is part of the pattern") << "Zel*[LM]og"
+                                                      << "1 ZelOldLog 2.txt" << false;
+    QTest::newRow("base name is part of the pattern, which does not fit")
+        << "Zel*[LM]og"
+        << "1 ZelOldDog 2.txt" << true;
     QTest::newRow("empty base name") << ""
                                      << "anything.txt" << false;
 }
@@ -245,6 +252,13 @@ void LogFilesCleanupTest::hiddenFileStays()
     makeFile(".ZelLogFile.txt");
     PkLogger::removeLogFiles(m_folder->path(), "ZelLogFile", tomorrow());
     QCOMPARE(namesLeft(), QStringList(".ZelLogFile.txt"));
+}
+
+void LogFilesCleanupTest::pipeStays()
+{
+    QCOMPARE(mkfifo(QFile::encodeName(path("ZelLogFile.txt")).constData(), 0600), 0);
+    PkLogger::removeLogFiles(m_folder->path(), "ZelLogFile", tomorrow());
+    QCOMPARE(namesLeft(), QStringList("ZelLogFile.txt"));
 }
 
 void LogFilesCleanupTest::folderStays()

@@ -24,6 +24,7 @@ private slots:
     void constantHasItsValue();
     void versionIsWrittenWithOneDecimal_data();
     void versionIsWrittenWithOneDecimal();
+    void numberBetweenTwoTextsGetsOneOfThem();
     void textDoesNotFollowTheUsersLocale();
 
     // These two stand before whatever makes the first object.
@@ -176,6 +177,7 @@ void XmlVersionsTest::versionIsWrittenWithOneDecimal_data()
     QTest::newRow("two digits before the point") << 12.5 << "12.5";
     QTest::newRow("thousands are not grouped") << 1234567.0 << "1234567.0";
     QTest::newRow("negative") << -2.0 << "-2.0";
+    QTest::newRow("negative that rounds to nothing") << -0.04 << "-0.0";
     QTest::newRow("profiles") << XmlVersions::XML_VERSION_COMPAT_PROFILES << "1.0";
 }
 
@@ -183,6 +185,12 @@ void XmlVersionsTest::versionIsWrittenWithOneDecimal()
 {
     QFETCH(double, version);
     QTEST(XmlVersions::GetXmlVersionString(version), "text");
+}
+
+void XmlVersionsTest::numberBetweenTwoTextsGetsOneOfThem()
+{
+    const QString text = XmlVersions::GetXmlVersionString(1.25);
+    QVERIFY2(text == "1.2" || text == "1.3", qPrintable(text));
 }
 
 void XmlVersionsTest::textDoesNotFollowTheUsersLocale()
