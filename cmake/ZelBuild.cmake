@@ -77,5 +77,9 @@ function(zel_optimise_whole_program target)
             INTERPROCEDURAL_OPTIMIZATION_RELWITHDEBINFO ON)
         target_compile_options(${target} PRIVATE
             $<$<CONFIG:Release,RelWithDebInfo>:-ffat-lto-objects>)
+        # The linker compiles again, and with -fPIE a program would get copies of Qt's data
+        # (QCoreApplication's instance, meta-objects) that Qt itself does not use.
+        # A library's place on the command line comes after the -fPIE that it corrects.
+        target_link_libraries(${target} PUBLIC $<$<CONFIG:Release,RelWithDebInfo>:-fPIC>)
     endif()
 endfunction()
