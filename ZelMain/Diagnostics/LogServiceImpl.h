@@ -1,19 +1,19 @@
 #pragma once
 
 #include "ZelMain/Diagnostics/LogServiceInterface.h"
+#include "ZelMain/Diagnostics/LoggerConfigInterface.h"
 #include "ZelMain/Diagnostics/LoggerDataAccessInterface.h"
 
 #include <QObject>
-#include <QRecursiveMutex>
+#include <QVector>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 
 namespace PkLogger {
 
-class LogFilesCleanupThread;
-class LogSession;
-class LoggerWriterThread;
+struct UserEntry;
 
 /**
  * The log service: a table of users, a ring of 10 000 messages, and a thread that empties it.
@@ -86,8 +86,55 @@ public:
      */
     void closeLogger();
 
+    /**
+     * Whether messages of @p level are wanted. Needs no service, so a logger learns for the price
+     * of one load that a message is not wanted; the levels are off while the service is closed.
+     */
+    static bool isLevelEnabled(LOGLEVEL level)
+    {
+        // relaxed: a switch of its own, nothing else hangs on it.
+        return (m_levelMask.load(std::memory_order_relaxed) & (1U << level)) != 0;
+    }
+
 protected:
-    LogServiceImpl();
+    /**
+     * @param patience  how long closeLogger() waits for a thread to end.
+     * @param patienceAfterTermination  how long it waits for one that it had to terminate.
+     */
+    explicit LogServiceImpl(
+        std::chrono::milliseconds patience = std::chrono::seconds(30),
+        std::chrono::milliseconds patienceAfterTermination = std::chrono::seconds(3));
+
+private:
+    class DeviceCall;
+    struct State;
+
+    // Under the lock:
+    int indexOf(const QString& name) const;
+    const UserEntry* switchableUser(const QString& name) const;
+    bool isEnabled(const UserEntry* user) const;
+    void setEnabled(const UserEntry* user, bool enable);
+    bool isAcceptable(int handle, LOGLEVEL level) const;
+
+    template <typename Condition>
+    QStringList userNames(Condition condition) const;
+    void applyUserStates(const QVector<LoggerConfigInterface::UserState>& states);
+    bool flip(std::atomic<bool>& flag, bool on);
+
+    bool prepareSession();
+    bool beginClosing();
+    const QIODevice* stopWriter();
+    void stopCleanup();
+    void endSession(const QIODevice* busy);
+    void forgetSession();
+
+    static void beforeFork();
+    static void afterForkInParent();
+    static void afterForkInChild();
+
+    static std::atomic<quint32> m_levelMask; // bit n: level n is written
+
+    const std::unique_ptr<State> m_state;
 };
 
 } // namespace PkLogger

@@ -71,10 +71,11 @@ public:
 
     /**
      * The logger of the user @p name, made disabled when it is new; the same object every time.
-     * Names that differ in case or blanks are different users.
+     * Names that differ in case or blanks are different users. Keep the object rather than asking
+     * for each message.
      *
-     * @return null before the start, and for a new name when there are 64 users, the service's
-     *         own among them.
+     * @return null before the start, and for every name once there are 64 users, the service's own
+     *         among them.
      */
     virtual QSharedPointer<LoggerImpl> getLoggerObject(const QString& name) = 0;
 
@@ -117,7 +118,7 @@ public:
      * it is opened (write only, text) if it is not open. Works before the start too; a close
      * forgets the devices.
      *
-     * @return false when there are five already, and for null.
+     * @return false when there are five already. Null takes a place and gets nothing.
      */
     virtual bool registerOutputDevice(QSharedPointer<QIODevice> device) = 0;
 

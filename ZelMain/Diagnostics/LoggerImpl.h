@@ -59,6 +59,7 @@ public:
 private:
     bool logWithIds(LoggerDataLogInterface::LOGLEVEL level, const QString& text, const CID& cid,
                     const DCID& dcid);
+    bool isOutputEnabled(LoggerDataLogInterface::LOGLEVEL level) const;
 
     QWeakPointer<LogServiceImpl> m_service;
     int m_handle;

@@ -1,0 +1,129 @@
+#include "ZelMain/Diagnostics/LogSession.h"
+
+#include <QFileDevice>
+#include <QThread>
+
+#include <algorithm>
+
+namespace PkLogger {
+
+namespace {
+
+constexpr QIODevice::OpenMode OPEN_MODE = QIODevice::WriteOnly | QIODevice::Text;
+
+// Waking a sleeping thread costs the one that logs several microseconds, so the writer looks out
+// for the next message some 50 µs before it sleeps.
+constexpr int LOOKS_BEFORE_SLEEP = 100;
+
+} // namespace
+
+LogSession::LogSession()
+{
+    users.reserve(MAX_USERS);
+    devices.reserve(MAX_COMMON_DEVICES);
+}
+
+bool LogSession::writeNext(const std::atomic<int>& options)
+{
+    if (!waitForEntry())
+        return false;
+    LogEntry& entry = queue.front();
+    UserEntry& user = users[static_cast<std::size_t>(entry.handle)];
+    // relaxed: the options are a number of their own, nothing else hangs on them.
+    const LogService::LogOptions lineOptions(QFlag(options.load(std::memory_order_relaxed)));
+    const LogLine::Text text = m_line.getFormattedString(entry, user, lineOptions);
+    const bool isOpenSession = write(text, user.device.data());
+    queue.pop();
+    return isOpenSession;
+}
+
+bool LogSession::waitForEntry()
+{
+    for (int look = 0; look < LOOKS_BEFORE_SLEEP; ++look) {
+        if (queue.tryWaitForEntry())
+            return true;
+        QThread::yieldCurrentThread();
+    }
+    return flushDevices() && queue.waitForEntry();
+}
+
+bool LogSession::write(const LogLine::Text& text, QIODevice* ownDevice)
+{
+    const GateVisit visit(gate, DeviceGate::Writer);
+    if (!visit.isInside())
+        return false;
+    if (ownDevice != nullptr)
+        return writeTo(ownDevice, text);
+    for (std::size_t i = 0; i < devices.size(); ++i) { // a device may register another one
+        QIODevice* const device = devices[i].data();
+        if (device != nullptr && device->isOpen() && !writeTo(device, text))
+            return false;
+    }
+    return true;
+}
+
+bool LogSession::writeTo(QIODevice* device, const LogLine::Text& text)
+{
+    if (!gate.use(device))
+        return false;
+    device->write(text.data, text.size); // what fails is lost, silently
+    if (std::find(m_unflushed.begin(), m_unflushed.end(), device) == m_unflushed.end())
+        m_unflushed.push_back(device);
+    return true;
+}
+
+bool LogSession::flushDevices()
+{
+    if (m_unflushed.empty())
+        return true;
+    const GateVisit visit(gate, DeviceGate::Writer);
+    if (!visit.isInside())
+        return false;
+    for (QIODevice* const device : m_unflushed) {
+        auto* const file = qobject_cast<QFileDevice*>(device);
+        if (file == nullptr || !file->isOpen())
+            continue;
+        if (!gate.use(file))
+            return false;
+        file->flush();
+    }
+    m_unflushed.clear();
+    return true;
+}
+
+void LogSession::openCommonDevices()
+{
+    for (std::size_t i = 0; i < devices.size(); ++i)
+        open(devices[i].data());
+}
+
+void LogSession::closeCommonDevices()
+{
+    for (std::size_t i = 0; i < devices.size(); ++i)
+        close(devices[i].data());
+}
+
+void LogSession::open(QIODevice* device)
+{
+    if (device != nullptr && gate.use(device))
+        device->open(OPEN_MODE);
+}
+
+void LogSession::close(QIODevice* device)
+{
+    if (device != nullptr && gate.use(device))
+        device->close();
+}
+
+void LogSession::closeAllDevices(const QIODevice* busy)
+{
+    const auto closeUnlessBusy = [busy](const QSharedPointer<QIODevice>& device) {
+        if (device && device != busy)
+            device->close();
+    };
+    std::for_each(devices.begin(), devices.end(), closeUnlessBusy);
+    for (const UserEntry& user : users)
+        closeUnlessBusy(user.device);
+}
+
+} // namespace PkLogger
