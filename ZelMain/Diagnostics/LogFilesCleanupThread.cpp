@@ -2,6 +2,7 @@
 
 #include "ZelMain/Diagnostics/FileOutDevConfig.h"
 #include "ZelMain/Diagnostics/LogFilesCleanup.h"
+#include "ZelMain/Diagnostics/ThreadSanitizer.h"
 
 namespace PkLogger {
 
@@ -18,6 +19,7 @@ LogFilesCleanupThread::LogFilesCleanupThread(QObject* parent) : QThread(parent) 
 void LogFilesCleanupThread::run()
 {
     removeLogFiles(m_folder, m_baseFileName, cleanupCutOff(QDateTime::currentDateTime(), m_months));
+    tellSanitizerOfRelease(this);
 }
 
 } // namespace PkLogger

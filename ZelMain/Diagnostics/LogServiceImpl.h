@@ -34,7 +34,10 @@ public:
     /** The object behind LogService::GetLogService(). */
     static QSharedPointer<LogServiceImpl> getLogServicePointer();
 
-    /** Closes the service. */
+    /**
+     * Closes the service. A derived class closes in its own destructor already, since the writer
+     * calls a virtual operation.
+     */
     ~LogServiceImpl() override;
 
     LogServiceImpl(const LogServiceImpl&) = delete;

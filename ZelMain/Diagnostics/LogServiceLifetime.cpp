@@ -26,7 +26,9 @@ using Guard = std::lock_guard<ServiceLock>;
 
 bool waitFor(QThread& thread, std::chrono::milliseconds time)
 {
-    return thread.wait(static_cast<unsigned long>(time.count()));
+    const bool isOver = thread.wait(static_cast<unsigned long>(time.count()));
+    tellSanitizerOfAcquire(&thread);
+    return isOver;
 }
 
 // The session that the running writer thread was started for. A thread that was given up finds its
@@ -184,7 +186,7 @@ const QIODevice* LogServiceImpl::stopWriter()
 void LogServiceImpl::stopCleanup()
 {
     LogFilesCleanupThread& cleanup = *m_state->cleanup;
-    if (!cleanup.isRunning() || waitFor(cleanup, m_state->patience))
+    if (waitFor(cleanup, m_state->patience)) // at once when it is over
         return;
     cleanup.terminate();
     if (!waitFor(cleanup, m_state->patienceAfterTermination))

@@ -25,16 +25,19 @@ LogSession::LogSession()
 
 bool LogSession::writeNext(const std::atomic<int>& options)
 {
-    if (!waitForEntry())
+    // A device or message handler that asks for the next line now would get this one again.
+    if (m_isWriting || !waitForEntry())
         return false;
+    m_isWriting = true;
     LogEntry& entry = queue.front();
     UserEntry& user = users[static_cast<std::size_t>(entry.handle)];
     // relaxed: the options are a number of their own, nothing else hangs on them.
     const LogService::LogOptions lineOptions(QFlag(options.load(std::memory_order_relaxed)));
     const LogLine::Text text = m_line.getFormattedString(entry, user, lineOptions);
-    const bool isOpenSession = write(text, user.device.data());
+    const bool mayGoOn = write(text, user.device.data());
     queue.pop();
-    return isOpenSession;
+    m_isWriting = false;
+    return mayGoOn;
 }
 
 bool LogSession::waitForEntry()

@@ -57,6 +57,7 @@ private:
 
     // The writer's own.
     LogLine m_line;
+    bool m_isWriting = false;
     std::vector<QIODevice*> m_unflushed; // devices with lines that may stand in their buffers
 };
 

@@ -1,6 +1,7 @@
 #include "ZelMain/Diagnostics/LoggerWriterThread.h"
 
 #include "ZelMain/Diagnostics/LoggerDataAccessInterface.h"
+#include "ZelMain/Diagnostics/ThreadSanitizer.h"
 
 namespace PkLogger {
 
@@ -10,6 +11,7 @@ void LoggerWriterThread::run()
 {
     while (m_source->writeData()) {
     }
+    tellSanitizerOfRelease(this);
 }
 
 } // namespace PkLogger

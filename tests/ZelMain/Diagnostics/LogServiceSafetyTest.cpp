@@ -1,0 +1,573 @@
+#include "ZelMain/Diagnostics/LogServiceImpl.h"
+
+#include "ZelMain/Diagnostics/LoggerImpl.h"
+#include "tests/ZelMain/Diagnostics/RecordingDevice.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <csignal>
+#include <functional>
+#include <future>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using PkLogger::LoggerImpl;
+using PkLogger::LogService;
+using PkLogger::LogServiceImpl;
+using Level = PkLogger::LoggerDataLogInterface::LOGLEVEL;
+
+namespace {
+
+using namespace std::chrono_literals;
+
+const QString USER = QStringLiteral("DATABASE");
+
+/** A service beside the program's own, which gives up early. */
+class ImpatientService : public LogServiceImpl
+{
+public:
+    ImpatientService() : LogServiceImpl(200ms, 50ms) {}
+    ~ImpatientService() override { closeLogger(); }
+};
+
+/** A device whose write, or open, waits for data from a pipe that nobody sends. */
+class DeafDevice : public RecordingDevice
+{
+public:
+    DeafDevice() { (void)!pipe(m_ends); }
+    ~DeafDevice() override
+    {
+        ::close(m_ends[0]);
+        ::close(m_ends[1]);
+    }
+    bool waitUntilReached()
+    {
+        return m_isReached.get_future().wait_for(60s) == std::future_status::ready;
+    }
+
+protected:
+    qint64 writeData(const char* /*data*/, qint64 size) override
+    {
+        m_isReached.set_value();
+        char byte = 0;
+        return ::read(m_ends[0], &byte, 1) == 1 ? size
+                                                : -1; // a point at which threads are cancelled
+    }
+
+private:
+    int m_ends[2] = {-1, -1};
+    std::promise<void> m_isReached;
+};
+
+template <typename Device = RecordingDevice>
+QSharedPointer<Device> addUser(LogServiceImpl& service, const QString& name)
+{
+    const auto device = QSharedPointer<Device>::create();
+    service.getLoggerObject(name, device, QStringLiteral("'T'"), {});
+    service.enableUserOutput(name, true);
+    return device;
+}
+
+bool log(LogServiceImpl& service, int handle, const QString& text)
+{
+    return service.logString(handle, Level::LOG_INFO, text);
+}
+
+template <typename Call>
+std::future<void> inAnotherThread(Call call)
+{
+    return std::async(std::launch::async, call);
+}
+
+bool isDone(std::future<void>& call)
+{
+    return call.wait_for(0s) == std::future_status::ready;
+}
+
+bool comesToAnEnd(std::future<void>& call)
+{
+    return call.wait_for(60s) == std::future_status::ready;
+}
+
+} // namespace
+
+/** Devices that fail or block, callers in the wrong place, and what a close leaves behind. */
+class LogServiceSafetyTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void failingDeviceCostsItsOwnLinesOnly();
+    void fullDiskGetsLinesAgainWhenItHasSpace();
+    void blockedWriterHoldsUpNobodyWhoLogs();
+    void callThatClosesDevicesWaitsForTheWriteUnderWay();
+    void blockedOpenHoldsUpNobodyWhoLogs();
+    void linesBehindABlockedOpenAreWrittenAfterIt();
+
+    void closeGivesUpOnABlockedWrite();
+    void closeGivesUpOnAWriteThatCannotBeCancelled();
+    void closeGivesUpOnABlockedOpen();
+    void callThatWaitsIsReleasedWhenCloseGivesUp();
+    void nextStartAfterATerminatedWriterBeginsEmpty();
+
+    void deviceMayLogWhileItIsWrittenTo();
+    void deviceMaySwitchTheServiceWhileItIsWrittenTo();
+    void deviceMayCloseTheServiceWhileItIsWrittenTo();
+    void deviceMayStartAndCloseWhileItIsClosed();
+    void configurationMayLogWhileItIsRead();
+    void idleWriterFlushesFiles();
+    void usersMayBeAddedWhileLinesAreWritten();
+};
+
+void LogServiceSafetyTest::failingDeviceCostsItsOwnLinesOnly()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto failing = QSharedPointer<RecordingDevice>::create();
+    const auto sound = QSharedPointer<RecordingDevice>::create();
+    service.registerOutputDevice(failing);
+    service.registerOutputDevice(sound);
+    service.enableLogger(true);
+    service.enableInfoOutput(true);
+    service.getLoggerObject(USER);
+    service.enableUserOutput(USER, true);
+
+    failing->failWrites(true);
+    QVERIFY(log(service, 1, "first"));
+    QVERIFY(sound->waitForLines(1));
+    failing->failWrites(false);
+    QVERIFY(log(service, 1, "second"));
+    service.closeLogger();
+    QCOMPARE(sound->lines().size(), 2);
+    QCOMPARE(failing->lines().size(), 1);
+    QVERIFY(failing->text().endsWith(" second\n"));
+}
+
+namespace {
+
+/** A limit on the size of files stands for a disk that is full: writes beyond it fail. */
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes)
+    {
+        m_handler = signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &m_before);
+        (void)signal(SIGXFSZ, m_handler);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit m_before{};
+    void (*m_handler)(int);
+};
+
+} // namespace
+
+void LogServiceSafetyTest::fullDiskGetsLinesAgainWhenItHasSpace()
+{
+    ImpatientService service;
+    service.initLogService({});
+    QTemporaryDir folder;
+    const QString path = folder.filePath("log.txt");
+    service.getLoggerObject(USER, QSharedPointer<QFile>::create(path), QStringLiteral("'T'"), {});
+    service.enableUserOutput(USER, true);
+    const auto probe = addUser(service, "PROBE");
+    const auto logAndWait = [&](const QString& text, int count) {
+        for (int i = 0; i < count; ++i)
+            QVERIFY(log(service, 1, text + QString(90, '.')));
+        const int lines = probe->lines().size();
+        QVERIFY(log(service, 2, "done"));
+        QVERIFY(probe->waitForLines(lines + 1));
+    };
+
+    logAndWait("space", 10);
+    {
+        const FileSizeLimit limit(2000);
+        logAndWait("full", 1000); // more than a file's buffer holds
+    }
+    logAndWait("space again", 10);
+    service.closeLogger();
+
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    QCOMPARE(lines.last(), QByteArray()); // every line is whole
+    int again = 0;
+    for (const QByteArray& line : lines.mid(0, lines.size() - 1)) {
+        QVERIFY2(line.startsWith("T ") && line.endsWith("."), line.constData());
+        QCOMPARE(line.count('.'), 90);
+        again += line.startsWith("T space again") ? 1 : 0;
+    }
+    QCOMPARE(again, 10);
+    QVERIFY(lines.size() < 1000); // lines were lost while there was no space
+}
+
+void LogServiceSafetyTest::blockedWriterHoldsUpNobodyWhoLogs()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto device = addUser(service, USER);
+    device->blockWrites();
+    QVERIFY(log(service, 1, "first"));
+    QVERIFY(device->waitUntilBlocked());
+
+    QVERIFY(log(service, 1, "second"));
+    service.getLoggerObject("OTHER"); // neither opens nor closes anything
+    service.enableUserOutput("OTHER", true);
+    service.enableErrorOutput(true);
+    QCOMPARE(service.getEnabledUserList(), QStringList{"OTHER"});
+    QVERIFY(service.isUserEnabled(USER));
+    service.initLogService(LogService::LogLevel);
+
+    device->unblockWrites();
+    service.closeLogger();
+    QCOMPARE(device->lines().size(), 2);
+}
+
+void LogServiceSafetyTest::callThatClosesDevicesWaitsForTheWriteUnderWay()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto device = addUser(service, USER);
+    device->blockWrites();
+    QVERIFY(log(service, 1, "first"));
+    QVERIFY(device->waitUntilBlocked());
+
+    auto call = inAnotherThread([&] { service.enableUserOutput(USER, false); });
+    QVERIFY(log(service, 1, "second") || !service.isUserEnabled(USER)); // nobody waits for the call
+    QVERIFY(!isDone(call));
+    QCOMPARE(device->closeCount(), 0);
+    device->unblockWrites();
+    QVERIFY(comesToAnEnd(call));
+    QCOMPARE(device->closeCount(), 1);
+    QVERIFY(!device->wasSharedByThreads());
+    QCOMPARE(device->lines().first(), QByteArray("T first\n"));
+}
+
+void LogServiceSafetyTest::blockedOpenHoldsUpNobodyWhoLogs()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto blocked = QSharedPointer<RecordingDevice>::create();
+    service.getLoggerObject(USER, blocked, QString(), {});
+    const auto device = addUser(service, "SOUND");
+    blocked->blockOpen();
+    auto call = inAnotherThread([&] { service.enableUserOutput(USER, true); });
+    QVERIFY(blocked->waitUntilBlocked());
+
+    QVERIFY(log(service, 2, "text"));
+    QVERIFY(service.isUserEnabled("SOUND"));
+    QVERIFY(!isDone(call));
+    blocked->unblockOpen();
+    QVERIFY(comesToAnEnd(call));
+    service.closeLogger();
+    QCOMPARE(device->text(), QByteArray("T text\n"));
+}
+
+void LogServiceSafetyTest::linesBehindABlockedOpenAreWrittenAfterIt()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto blocked = QSharedPointer<RecordingDevice>::create();
+    service.getLoggerObject(USER, blocked, QStringLiteral("'T'"), {});
+    blocked->blockOpen();
+    auto call = inAnotherThread([&] { service.enableUserOutput(USER, true); });
+    QVERIFY(blocked->waitUntilBlocked());
+    QVERIFY(log(service, 1, "text")); // enabled already
+    blocked->unblockOpen();
+    QVERIFY(comesToAnEnd(call));
+    QVERIFY(blocked->waitForLines(1));
+    QCOMPARE(blocked->text(), QByteArray("T text\n"));
+    QVERIFY(!blocked->wasSharedByThreads());
+}
+
+void LogServiceSafetyTest::closeGivesUpOnABlockedWrite()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto deaf = addUser<DeafDevice>(service, USER);
+    const auto sound = addUser(service, "SOUND");
+    QVERIFY(log(service, 1, "text"));
+    QVERIFY(deaf->waitUntilReached());
+    service.closeLogger();
+    QCOMPARE(sound->closeCount(), 1);
+    QCOMPARE(deaf->closeCount(), 0); // it would block again
+    QVERIFY(!service.isUserExists(USER));
+}
+
+void LogServiceSafetyTest::closeGivesUpOnAWriteThatCannotBeCancelled()
+{
+    // The thread that is given up comes back into the service, which therefore has to stay.
+    static const auto* const service = new std::unique_ptr<ImpatientService>(new ImpatientService);
+    LogServiceImpl& impatient = **service;
+    impatient.initLogService({});
+    const auto stuck = addUser(impatient, USER);
+    const auto sound = addUser(impatient, "SOUND");
+    stuck->blockWrites();
+    QVERIFY(log(impatient, 1, "one"));
+    QVERIFY(log(impatient, 2, "behind it"));
+    QVERIFY(stuck->waitUntilBlocked());
+    impatient.closeLogger();
+    QCOMPARE(sound->closeCount(), 1);
+    QCOMPARE(stuck->closeCount(), 0);
+
+    // What it does when it comes back touches nothing of the next start.
+    impatient.initLogService({});
+    const auto next = addUser(impatient, "NEXT");
+    QVERIFY(log(impatient, 1, "first"));
+    stuck->unblockWrites();
+    QVERIFY(next->waitForLines(1));
+    QVERIFY(log(impatient, 1, "second"));
+    impatient.closeLogger();
+    QCOMPARE(next->lines(), (QList<QByteArray>{"T first\n", "T second\n"}));
+    QVERIFY(sound->lines().isEmpty());
+}
+
+void LogServiceSafetyTest::closeGivesUpOnABlockedOpen()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto blocked = QSharedPointer<RecordingDevice>::create();
+    service.getLoggerObject(USER, blocked, QStringLiteral("'T'"), {});
+    const auto sound = addUser(service, "SOUND");
+    blocked->blockOpen();
+    auto call = inAnotherThread([&] { service.enableUserOutput(USER, true); });
+    QVERIFY(blocked->waitUntilBlocked());
+    service.closeLogger();
+    QVERIFY(!isDone(call));
+    QCOMPARE(sound->closeCount(), 1);
+    QCOMPARE(blocked->closeCount(), 0);
+
+    service.initLogService({});
+    const auto next = addUser(service, USER);
+    QVERIFY(log(service, 1, "text"));
+    QVERIFY(next->waitForLines(1));
+    blocked->unblockOpen();
+    QVERIFY(comesToAnEnd(call));
+    service.closeLogger();
+}
+
+void LogServiceSafetyTest::callThatWaitsIsReleasedWhenCloseGivesUp()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto deaf = addUser<DeafDevice>(service, USER);
+    QVERIFY(log(service, 1, "text"));
+    QVERIFY(deaf->waitUntilReached());
+    bool isSwitched = true;
+    auto call = inAnotherThread([&] { isSwitched = service.enableLogger(true); });
+    service.closeLogger();
+    QVERIFY(comesToAnEnd(call));
+    QVERIFY(!isSwitched); // or it came first, and then the close forgot it
+    QVERIFY(!service.isLoggerEnabled());
+}
+
+void LogServiceSafetyTest::nextStartAfterATerminatedWriterBeginsEmpty()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto deaf = addUser<DeafDevice>(service, USER);
+    for (int i = 0; i < 100; ++i)
+        QVERIFY(log(service, 1, "old"));
+    QVERIFY(deaf->waitUntilReached());
+    service.closeLogger();
+
+    service.initLogService({});
+    const auto next = addUser(service, USER);
+    next->blockWrites();
+    for (int i = 0; i < 9999; ++i)
+        QVERIFY(log(service, 1, "new")); // all of the queue is free
+    QVERIFY(!log(service, 1, "too many"));
+    next->unblockWrites();
+    service.closeLogger();
+    QCOMPARE(next->lines().size(), 9999);
+    QCOMPARE(next->lines().count("T new\n"), 9999);
+}
+
+namespace {
+
+/** A device that does something with the service when it is written to or closed. */
+class ActingDevice : public RecordingDevice
+{
+public:
+    std::function<void()> whenWritten;
+    std::function<void()> whenClosed;
+
+    void close() override
+    {
+        if (whenClosed)
+            std::exchange(whenClosed, nullptr)();
+        RecordingDevice::close();
+    }
+
+protected:
+    qint64 writeData(const char* data, qint64 size) override
+    {
+        if (whenWritten)
+            std::exchange(whenWritten, nullptr)();
+        return RecordingDevice::writeData(data, size);
+    }
+};
+
+} // namespace
+
+void LogServiceSafetyTest::deviceMayLogWhileItIsWrittenTo()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto device = addUser<ActingDevice>(service, USER);
+    device->whenWritten = [&] { log(service, 1, "echo"); };
+    QVERIFY(log(service, 1, "text"));
+    QVERIFY(device->waitForLines(2));
+    service.closeLogger();
+    QCOMPARE(device->lines(), (QList<QByteArray>{"T text\n", "T echo\n"}));
+}
+
+void LogServiceSafetyTest::deviceMaySwitchTheServiceWhileItIsWrittenTo()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto device = addUser<ActingDevice>(service, USER);
+    const auto common = QSharedPointer<RecordingDevice>::create();
+    device->whenWritten = [&] {
+        service.registerOutputDevice(common);
+        service.enableLogger(true);
+        service.getLoggerObject("OTHER");
+        service.enableUserOutput("OTHER", true);
+        service.enableInfoOutput(true);
+        service.initLogService({});
+        service.writeData(); // would write the line a second time
+    };
+    QVERIFY(log(service, 1, "text"));
+    QVERIFY(device->waitForLines(1));
+    QVERIFY(log(service, 2, "common text"));
+    service.closeLogger();
+    QCOMPARE(device->lines(), QList<QByteArray>{"T text\n"});
+    QCOMPARE(common->lines().size(), 1);
+}
+
+void LogServiceSafetyTest::deviceMayCloseTheServiceWhileItIsWrittenTo()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto device = addUser<ActingDevice>(service, USER);
+    device->whenWritten = [&] { service.closeLogger(); }; // which cannot wait for itself
+    QVERIFY(log(service, 1, "text"));
+    QVERIFY(device->waitForLines(1));
+    QVERIFY(service.isUserEnabled(USER));
+    service.closeLogger();
+    QCOMPARE(device->lines().size(), 1);
+}
+
+void LogServiceSafetyTest::deviceMayStartAndCloseWhileItIsClosed()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto device = addUser<ActingDevice>(service, USER);
+    const auto behind = addUser(service, "BEHIND");
+    device->whenClosed = [&] {
+        service.closeLogger();
+        service.initLogService({});
+        QVERIFY(service.isUserExists("LOGGER"));
+        QVERIFY(!service.isUserExists(USER));
+        service.enableLogger(true);
+    };
+    service.closeLogger();
+    QCOMPARE(behind->closeCount(), 1);
+    QVERIFY(service.isLoggerEnabled());
+    service.closeLogger();
+    QVERIFY(!service.isUserExists("LOGGER"));
+}
+
+namespace {
+
+class LoggingConfig : public PkLogger::LoggerConfigInterface
+{
+public:
+    explicit LoggingConfig(LogServiceImpl& service) : m_service(service) {}
+
+    bool isLoggerEnabled() const override { return log(m_service, 1, "asked"); }
+    bool isConsoleLogEnabled() const override { return false; }
+    bool isDebugOutputEnabled() const override { return false; }
+    bool isInfoOutputEnabled() const override { return false; }
+    bool isWarningOutputEnabled() const override { return false; }
+    bool isErrorOutputEnabled() const override { return false; }
+    QVector<UserState> getAdditionalUserStates() const override { return {}; }
+    QVector<UserState> getUserStates() const override { return {}; }
+
+private:
+    LogServiceImpl& m_service;
+};
+
+} // namespace
+
+void LogServiceSafetyTest::configurationMayLogWhileItIsRead()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto device = addUser(service, USER);
+    LoggingConfig config(service);
+    service.configureLogService(&config);
+    QVERIFY(service.isLoggerEnabled());
+    QVERIFY(device->waitForLines(1));
+}
+
+void LogServiceSafetyTest::idleWriterFlushesFiles()
+{
+    ImpatientService service;
+    service.initLogService({});
+    QTemporaryDir folder;
+    // A file system tells who reads it that something was written; a fifo does it without polling.
+    const QByteArray path = QFile::encodeName(folder.filePath("fifo"));
+    QCOMPARE(mkfifo(path.constData(), 0600), 0);
+    const int reader = open(path.constData(), O_RDONLY | O_NONBLOCK);
+    QVERIFY(reader >= 0);
+    QCOMPARE(fcntl(reader, F_SETFL, 0), 0); // reads wait from now on
+    service.getLoggerObject(USER, QSharedPointer<QFile>::create(QFile::decodeName(path)),
+                            QStringLiteral("'T'"), {});
+    service.enableUserOutput(USER, true);
+    QVERIFY(log(service, 1, "text"));
+    char text[64] = {};
+    QCOMPARE(read(reader, text, sizeof text), ssize_t(7));
+    QCOMPARE(QByteArray(text), QByteArray("T text\n"));
+    ::close(reader);
+}
+
+void LogServiceSafetyTest::usersMayBeAddedWhileLinesAreWritten()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto device = addUser(service, USER);
+    std::vector<std::future<void>> threads;
+    for (int thread = 0; thread < 4; ++thread) {
+        threads.push_back(inAnotherThread([&service, thread] {
+            for (int i = 0; i < 15; ++i) {
+                addUser(service, QString::number(thread * 15 + i));
+                log(service, 1, "text");
+            }
+        }));
+    }
+    for (std::future<void>& thread : threads)
+        QVERIFY(comesToAnEnd(thread));
+    service.closeLogger();
+    QCOMPARE(device->lines().size(), 60);
+}
+
+QTEST_GUILESS_MAIN(LogServiceSafetyTest)
+#include "LogServiceSafetyTest.moc"
