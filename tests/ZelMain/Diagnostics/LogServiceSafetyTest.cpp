@@ -87,6 +87,16 @@ std::future<void> inAnotherThread(Call call)
     return std::async(std::launch::async, call);
 }
 
+/** A cancelled thread leaves marks on its stack that AddressSanitizer takes for errors. */
+bool canCancelThreads()
+{
+#ifdef __SANITIZE_ADDRESS__
+    return false;
+#else
+    return true;
+#endif
+}
+
 bool isDone(std::future<void>& call)
 {
     return call.wait_for(0s) == std::future_status::ready;
@@ -299,6 +309,8 @@ void LogServiceSafetyTest::linesBehindABlockedOpenAreWrittenAfterIt()
 
 void LogServiceSafetyTest::closeGivesUpOnABlockedWrite()
 {
+    if (!canCancelThreads())
+        QSKIP("cancels a thread");
     ImpatientService service;
     service.initLogService({});
     const auto deaf = addUser<DeafDevice>(service, USER);
@@ -365,6 +377,8 @@ void LogServiceSafetyTest::closeGivesUpOnABlockedOpen()
 
 void LogServiceSafetyTest::callThatWaitsIsReleasedWhenCloseGivesUp()
 {
+    if (!canCancelThreads())
+        QSKIP("cancels a thread");
     ImpatientService service;
     service.initLogService({});
     const auto deaf = addUser<DeafDevice>(service, USER);
@@ -380,6 +394,8 @@ void LogServiceSafetyTest::callThatWaitsIsReleasedWhenCloseGivesUp()
 
 void LogServiceSafetyTest::nextStartAfterATerminatedWriterBeginsEmpty()
 {
+    if (!canCancelThreads())
+        QSKIP("cancels a thread");
     ImpatientService service;
     service.initLogService({});
     const auto deaf = addUser<DeafDevice>(service, USER);

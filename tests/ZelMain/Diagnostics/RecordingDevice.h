@@ -10,6 +10,8 @@
 #include <condition_variable>
 #include <mutex>
 
+#include <pthread.h>
+
 /**
  * A device that keeps what is written to it, one call an element, and counts how it is treated.
  *
@@ -122,6 +124,7 @@ private:
         std::unique_lock lock(m_mutex);
         if (!flag)
             return;
+        pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr); // it comes back, whatever happens
         ++m_blockedThreads;
         m_changed.notify_all();
         m_changed.wait(lock, [&flag] { return !flag; });
