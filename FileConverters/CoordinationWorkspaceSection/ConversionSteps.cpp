@@ -5,6 +5,7 @@
 
 #include <QDomDocument>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -182,6 +183,13 @@ ConversionSteps::readProfiles(std::vector<QDomElement> const& profiles)
         profilesById.insert(element.attribute(QStringLiteral("id")), readProfile(element));
     }
     return profilesById;
+}
+
+bool ConversionSteps::isFlag(QString const& name)
+{
+    return std::any_of(SPACING_FLAGS.begin(), SPACING_FLAGS.end(), [&](SpacingFlag const& spacing) {
+        return spacing.element != nullptr && name == QLatin1String(spacing.element);
+    });
 }
 
 QString ConversionSteps::newProfileName(QString const& oldName)

@@ -75,6 +75,9 @@ Channel readChannel(QDomElement const& channel);
 /** Key fields as in readChannel(); a flag that is 0 anywhere is switched off. */
 Configuration readConfiguration(QDomElement const& configuration);
 
+/** Whether an element of this name in "compat_flags" is read. */
+bool isFlag(QString const& name);
+
 /**
  * The profile with its new name.
  *

@@ -12,6 +12,7 @@
 #include <csignal>
 
 #include <sys/resource.h>
+#include <unistd.h>
 #endif
 
 namespace {
@@ -52,11 +53,21 @@ void ProcessSetup::reportWriteFailuresAsErrors()
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
+bool ProcessSetup::isTerminal()
+{
+    return isatty(STDOUT_FILENO) != 0;
+}
+
 #else
 
 void ProcessSetup::raiseStackLimit() {}
 
 void ProcessSetup::reportWriteFailuresAsErrors() {}
+
+bool ProcessSetup::isTerminal()
+{
+    return false;
+}
 
 #endif
 

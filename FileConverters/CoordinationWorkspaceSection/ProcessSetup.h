@@ -37,4 +37,7 @@ void tuneAllocator();
  */
 void shutOutTheEnvironment();
 
+/** Whether a person sees what goes to standard output. */
+bool isTerminal();
+
 } // namespace ProcessSetup

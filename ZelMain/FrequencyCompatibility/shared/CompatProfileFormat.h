@@ -7,7 +7,7 @@
 /**
  * What the writers and the reader of "compat_profile" elements must agree on.
  *
- * Internal to the library.
+ * Internal to this project.
  */
 namespace CompatProfileFormat {
 

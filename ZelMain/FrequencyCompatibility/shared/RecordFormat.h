@@ -3,7 +3,7 @@
 /**
  * What the elements of all records have in common, whichever library writes them.
  *
- * Internal to the library.
+ * Internal to this project.
  */
 namespace RecordFormat {
 
