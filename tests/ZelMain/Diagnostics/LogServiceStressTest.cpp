@@ -297,6 +297,14 @@ void LogServiceStressTest::acceptedMessagesStandOverRestarts()
     m_service->closeLogger();
     QStringList files;
     std::atomic<bool> isOver{false};
+    std::atomic<bool> hasStarted{false};
+    std::atomic<int> offeredMessages{0};
+    // One message of each thread may be under way already when the service opens.
+    const auto waitForAMessage = [&] {
+        const int enough = offeredMessages + static_cast<int>(THREADS) + 1;
+        while (!isOver && offeredMessages < enough)
+            std::this_thread::yield();
+    };
     std::thread restarter([&] {
         for (int round = 0; !isOver || round < restarts(); ++round) {
             m_service->initLogService({});
@@ -305,8 +313,9 @@ void LogServiceStressTest::acceptedMessagesStandOverRestarts()
             files << name;
             m_service->getLoggerObject(name, newFile(name), QStringLiteral("'T'"), {});
             m_service->enableUserOutput(name, true);
+            hasStarted = true;
             if (round % 2 == 0)
-                std::this_thread::yield();
+                waitForAMessage();
             m_service->closeLogger();
         }
     });
@@ -316,7 +325,10 @@ void LogServiceStressTest::acceptedMessagesStandOverRestarts()
                 m_service->enableConsoleLog(false);
             std::this_thread::yield();
         });
+        while (!hasStarted)
+            std::this_thread::yield();
         logFromAllThreads([&](int thread, const QString& text) {
+            ++offeredMessages;
             if (thread % 2 == 0)
                 return kept->logError("%s", text.toUtf8().constData());
             return m_service->logString(1, Level::LOG_INFO, text);
