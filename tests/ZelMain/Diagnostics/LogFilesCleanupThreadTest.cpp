@@ -77,11 +77,13 @@ void LogFilesCleanupThreadTest::filesBeforeTheAgeLimitGo()
 {
     const QString old = makeFile(logFolder(), "1 ZelLogFile 2.txt");
     const QString other = makeFile(logFolder(), "1 ZelLogFile 2.log");
+    const QString strangers = makeFile(logFolder(), "Notes.txt");
     LogFilesCleanupThread thread(0, nullptr);
     QVERIFY(QFile::exists(old));
     runOnce(thread);
     QVERIFY(!QFile::exists(old));
     QVERIFY(QFile::exists(other));
+    QVERIFY(QFile::exists(strangers));
 }
 
 void LogFilesCleanupThreadTest::filesWithinTheAgeLimitStay_data()
@@ -104,6 +106,7 @@ void LogFilesCleanupThreadTest::folderAndNameAreThoseOfTheMaking()
 {
     const QString mine = makeFile(home() + "/before", "My Log.txt");
     const QString others = makeFile(home() + "/after", "Other.txt");
+    const QString othersBefore = makeFile(home() + "/before", "Other.txt");
     FileOutDevConfig config("banner");
     config.rememberFolderName(home() + "/before");
     config.rememberBaseFileName("My Log");
@@ -113,6 +116,7 @@ void LogFilesCleanupThreadTest::folderAndNameAreThoseOfTheMaking()
     runOnce(thread);
     QVERIFY(!QFile::exists(mine));
     QVERIFY(QFile::exists(others));
+    QVERIFY(QFile::exists(othersBefore));
 }
 
 void LogFilesCleanupThreadTest::makingItFindsTheLogFolder()
