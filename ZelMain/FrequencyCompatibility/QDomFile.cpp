@@ -47,8 +47,8 @@ bool QDomFile::store(QDomDocument& document, std::function<QDomElement()> const&
 bool QDomFile::writeFile(std::string const& path, std::function<bool(QIODevice&)> const& writer)
 {
     const QString name = QString::fromStdString(path);
-    if (name.isNull()) {
-        return false;
+    if (name.isEmpty()) {
+        return false; // QFile would warn of it
     }
     QFile file(name);
     if (!file.open(QIODevice::WriteOnly)) {

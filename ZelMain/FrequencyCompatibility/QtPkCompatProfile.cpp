@@ -166,8 +166,8 @@ QtPkCompatProfile::~QtPkCompatProfile() = default;
 bool QtPkCompatProfile::Import(std::string const& path)
 {
     const QString fileName = QString::fromStdString(path);
-    if (fileName.isNull()) {
-        return false;
+    if (fileName.isEmpty()) {
+        return false; // QFile would warn of it
     }
     QFile file(fileName);
     QDomDocument document;

@@ -1,5 +1,6 @@
 #include "ZelMain/FrequencyCompatibility/QtPkCompatProfile.h"
 
+#include "tests/support/MessageRecorder.h"
 #include "tests/support/VirtualSlot.h"
 
 #include <QBuffer>
@@ -218,6 +219,7 @@ private slots:
     void fileThatCannotBeWrittenIsReported();
     void fileThatDoesNotStartWithTheElementIsRefused_data();
     void fileThatDoesNotStartWithTheElementIsRefused();
+    void pathWithoutANameIsRefused();
     void fileWithABadIdThrows();
 };
 
@@ -805,11 +807,10 @@ void QtPkCompatProfileTest::fileThatCannotBeWrittenIsReported_data()
 void QtPkCompatProfileTest::fileThatCannotBeWrittenIsReported()
 {
     QFETCH(QString, path);
-    if (path.isEmpty()) {
-        QTest::ignoreMessage(QtWarningMsg, "QFSFileEngine::open: No file name specified");
-    }
+    const MessageRecorder recorder;
     QtPkCompatProfile profile;
     QVERIFY(!profile.Export(path.toStdString(), false));
+    QVERIFY(recorder.messages().isEmpty());
 }
 
 void QtPkCompatProfileTest::fileThatDoesNotStartWithTheElementIsRefused_data()
@@ -836,6 +837,15 @@ void QtPkCompatProfileTest::fileThatDoesNotStartWithTheElementIsRefused()
     QVERIFY(!profile.Import(file.fileName().toStdString()));
     QVERIFY(!profile.Import(folder.filePath(QStringLiteral("missing.xml")).toStdString()));
     QVERIFY(recordsAreEqual(profile, filledProfile()));
+}
+
+void QtPkCompatProfileTest::pathWithoutANameIsRefused()
+{
+    const MessageRecorder recorder;
+    QtPkCompatProfile profile(filledProfile());
+    QVERIFY(!profile.Import(std::string()));
+    QVERIFY(recordsAreEqual(profile, filledProfile()));
+    QVERIFY(recorder.messages().isEmpty());
 }
 
 void QtPkCompatProfileTest::fileWithABadIdThrows()

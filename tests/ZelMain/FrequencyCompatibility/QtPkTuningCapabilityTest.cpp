@@ -820,10 +820,12 @@ void QtPkTuningCapabilityTest::fileThatCannotBeWrittenIsNoSuccess()
 {
     const QTemporaryDir folder;
     QtPkTuningCapability capability = listed();
+    const MessageCatcher catcher;
     QVERIFY(!capability.Export(folder.path().toStdString(), true));
     QVERIFY(!capability.Export(folder.filePath(QStringLiteral("no/such")).toStdString(), true));
     QVERIFY(!capability.Export(std::string(), true));
     QVERIFY(!capability.Export(std::string("/dev/full"), true));
+    QCOMPARE(messages, QStringList());
 }
 
 void QtPkTuningCapabilityTest::constExportWritesNothing()
