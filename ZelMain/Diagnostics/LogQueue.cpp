@@ -22,28 +22,44 @@ LogEntry& LogQueue::freeSlot()
 
 void LogQueue::push()
 {
-    // release: the writer that sees the new index sees what the slot was filled with.
-    m_writeIndex.store(next(m_writeIndex.load(std::memory_order_relaxed)),
-                       std::memory_order_release);
-    m_queued.release();
+    // At least release: the writer that sees the new index sees what the slot was filled with.
+    // Sequentially consistent together with the flag: either this thread sees that the writer
+    // sleeps, or the writer sees the entry before it does.
+    m_writeIndex.store(next(m_writeIndex.load(std::memory_order_relaxed)));
+    wakeWriter();
+}
+
+void LogQueue::stop()
+{
+    m_isStopped.store(true); // in the same order with the flag as an entry
+    wakeWriter();
+}
+
+void LogQueue::wakeWriter()
+{
+    if (m_isWriterAsleep.load() && m_isWriterAsleep.exchange(false))
+        m_wakeUp.release();
 }
 
 bool LogQueue::isEmpty() const
 {
-    // relaxed: only this thread moves the read index. acquire: pairs with push().
-    return m_readIndex.load(std::memory_order_relaxed) ==
-           m_writeIndex.load(std::memory_order_acquire);
-}
-
-bool LogQueue::tryWaitForEntry()
-{
-    return !isEmpty() && m_queued.tryAcquire();
+    // relaxed: only this thread moves the read index. The other order pairs with push().
+    return m_readIndex.load(std::memory_order_relaxed) == m_writeIndex.load();
 }
 
 bool LogQueue::waitForEntry()
 {
-    m_queued.acquire();
-    return !isEmpty();
+    while (isEmpty()) {
+        m_isWriterAsleep.store(true);
+        const bool isStopped = m_isStopped.load();
+        if (!isEmpty())
+            break;
+        if (isStopped)
+            return false;
+        m_wakeUp.acquire(); // a resource may be left from an entry that was seen before sleep
+    }
+    m_isWriterAsleep.store(false, std::memory_order_relaxed);
+    return true;
 }
 
 LogEntry& LogQueue::front()

@@ -43,7 +43,7 @@ bool LogSession::writeNext(const std::atomic<int>& options)
 bool LogSession::waitForEntry()
 {
     for (int look = 0; look < LOOKS_BEFORE_SLEEP; ++look) {
-        if (queue.tryWaitForEntry())
+        if (!queue.isEmpty())
             return true;
         QThread::yieldCurrentThread();
     }
