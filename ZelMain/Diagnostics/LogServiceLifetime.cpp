@@ -5,6 +5,7 @@
 #include "ZelMain/Diagnostics/LogServiceState.h"
 
 #include <QDateTime>
+#include <QDir>
 
 #include <chrono>
 #include <cstdlib>
@@ -43,13 +44,20 @@ void closeAtExit()
     LogServiceImpl::getLogServicePointer()->closeLogger();
 }
 
-// What is queued when the program ends is still written. Exit handlers run last made first, so the
-// tables that Qt makes when it prints the first date are made before the handler.
+// Has Qt make the tables that dates, file names and name filters need.
+void makeQtsTables()
+{
+    QDateTime::currentDateTime().toString(LogServiceImpl::DEFAULT_TIME_FORMAT);
+    QDir::root().entryList({QStringLiteral("*log*.txt")}); // a filter of "*" would match unseen
+}
+
+// What is queued when the program ends is still written. Exit handlers and destructors of statics
+// run last made first, so the tables that the service's threads use are made before the handler.
 void closeWhenProgramEnds()
 {
     if (isExitHandlerPending.exchange(true, RELAXED))
         return;
-    QDateTime::currentDateTime().toString(LogServiceImpl::DEFAULT_TIME_FORMAT);
+    makeQtsTables();
     std::atexit(closeAtExit);
 }
 
