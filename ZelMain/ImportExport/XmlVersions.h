@@ -37,6 +37,9 @@ public:
         XmlTooNew = 4,       ///< newer than this software knows
     };
 
+    /** For each element name its version in the document and the one this software writes. */
+    using Conflicts = QMap<QString, QPair<double, double>>;
+
     /** Fills the tables for the whole program. */
     explicit XmlVersions(QObject* parent = nullptr);
     ~XmlVersions() override;
@@ -92,6 +95,31 @@ public:
 
     /** The verdict on @p section, which nobody else is told of. */
     static XmlValidState Verdict(const QDomElement& section);
+
+    /**
+     * The verdict on @p section; an unknown or too new one is logged by the log user
+     * LOGUSER_IMPORT_EXPORT and reported to Qt's warnings.
+     *
+     * This makes the log service if there is none yet, and with it the log folder.
+     */
+    static XmlValidState IsValidXmlVersion(const QDomElement& section);
+
+    /**
+     * Puts @p section into @p conflicts, in place of an earlier one of its name, and reports it to
+     * Qt's debug messages if it is older than what this software writes. A section that is current,
+     * newer or unknown changes nothing.
+     */
+    static void CheckSectionVersion(const QDomElement& section, Conflicts& conflicts);
+
+    /**
+     * The sections of the document below @p root, itself included, that are older than what this
+     * software writes and can be converted.
+     *
+     * Of each section the first in the document is examined, in the order of their names, by
+     * IsValidXmlVersion. The scan ends at the first one that is neither current nor convertible.
+     * @param state  becomes the verdict on the section that was examined last.
+     */
+    static Conflicts GetSectionVersionConflicts(const QDomElement& root, XmlValidState& state);
 
 private:
     static double SectionVersion(const QDomElement& section);
