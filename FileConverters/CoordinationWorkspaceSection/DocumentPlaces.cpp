@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace {
 
@@ -35,23 +36,32 @@ struct Siblings
     QHash<QString, Name> names;
 };
 
+// Where the element begins, of which the parser tells where its start tag ends. No "<" stands
+// inside of a tag. An element that comes from an entity has no tag in the text; it is where the
+// entity is.
+int findStart(const QDomElement& element, const QString& text, int from, int end)
+{
+    const int length = text.midRef(from, end - from).lastIndexOf(QLatin1Char('<'));
+    const bool isOwnTag =
+        length >= 0 && text.midRef(from + length + 1).startsWith(element.tagName());
+    return isOwnTag ? from + length : end;
+}
+
 } // namespace
 
 DocumentPlaces::DocumentPlaces(const QDomDocument& document, const DocumentText& text)
-    : m_text(text)
 {
-    noteAll(document);
-}
-
-void DocumentPlaces::noteAll(const QDomDocument& document)
-{
+    int tagEnd = 0; // no tag begins before the one before it ends
     std::vector<Siblings> open = {{-1, {}}};
     QDomElement element = document.firstChildElement();
     while (!element.isNull()) {
         const int index = static_cast<int>(m_entries.size());
         const int parent = open.back().parent;
         const int depth = static_cast<int>(open.size());
-        Entry entry{element, parent, depth, index};
+        const int tagBegin =
+            std::exchange(tagEnd, text.positionOf(element.lineNumber(), element.columnNumber()));
+        const int start = findStart(element, text.text(), tagBegin, tagEnd);
+        Entry entry{element, text.lineOf(start), parent, depth, index};
         if (depth > SHOWN_STEPS) {
             entry.head = m_entries[static_cast<std::size_t>(parent)].head;
         }
@@ -82,17 +92,6 @@ int DocumentPlaces::indexOf(const QDomElement& element) const
     return m_indexes.value(identityOf(element), -1);
 }
 
-// The parser tells where a start tag ends. No "<" stands inside of one. An element that comes from
-// an entity has no tag in the text; its place is where the entity is named.
-int DocumentPlaces::startOf(const QDomElement& element) const
-{
-    const int end = m_text.positionOf(element.lineNumber(), element.columnNumber());
-    const int start = m_text.text().lastIndexOf(QLatin1Char('<'), end);
-    const bool isOwnTag =
-        start >= 0 && m_text.text().midRef(start + 1).startsWith(element.tagName());
-    return isOwnTag ? start : end;
-}
-
 QString DocumentPlaces::steps(int from, int count) const
 {
     QStringList steps;
@@ -121,7 +120,7 @@ Place DocumentPlaces::of(const QDomElement& element) const
     if (index < 0) {
         return {1, QStringLiteral("/")};
     }
-    return {m_text.lineOf(startOf(element)), pathOf(index)};
+    return {m_entries[static_cast<std::size_t>(index)].line, pathOf(index)};
 }
 
 Place DocumentPlaces::ofAttribute(const QDomElement& element, const QString& attribute) const

@@ -26,7 +26,7 @@ struct Place
  * The places of a document's elements.
  *
  * One walk over the document notes them all, so that asking for many costs no more than the
- * document's size. The document and its text must stay as they were while this is used.
+ * document's size. The document must stay as it was while this is used.
  */
 class DocumentPlaces
 {
@@ -47,6 +47,7 @@ private:
     struct Entry
     {
         QDomElement element;
+        int line;
         int parent;     // -1 above the outermost
         int depth;      // from 1
         int head;       // the entry's ancestor, or itself, where an abbreviated path breaks off
@@ -54,13 +55,10 @@ private:
         bool isAlone = true; // the only one of its name
     };
 
-    void noteAll(const QDomDocument& document);
     int indexOf(const QDomElement& element) const;
-    int startOf(const QDomElement& element) const;
     QString steps(int from, int count) const;
     QString pathOf(int index) const;
 
-    const DocumentText& m_text;
     std::vector<Entry> m_entries; // in document order
     QHash<const void*, int> m_indexes;
 };

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <string>
 #include <utility>
 
 namespace {
@@ -72,20 +71,15 @@ std::optional<DocumentText> DocumentText::ofFileAsStream(const QString& path)
     return stream ? ofStream(stream) : std::nullopt;
 }
 
-std::optional<DocumentText> DocumentText::ofOutput(std::istream& stream)
+std::optional<DocumentText> DocumentText::ofOutput(QFile& file)
 {
-    const std::string bytes(std::istreambuf_iterator<char>(stream), {});
+    const QByteArray bytes = file.readAll();
     QTextCodec::ConverterState state;
-    const QString text = QTextCodec::codecForName("UTF-8")->toUnicode(
-        bytes.data(), static_cast<int>(bytes.size()), &state);
+    const QString text =
+        QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
     const bool isUtf8 = state.invalidChars == 0 && state.remainingChars == 0;
-    return isUtf8 && !stream.bad() ? std::optional(DocumentText(text, {})) : std::nullopt;
-}
-
-std::optional<DocumentText> DocumentText::ofOutputFile(const QString& path)
-{
-    std::ifstream stream(QFile::encodeName(path).constData(), std::ios::binary);
-    return stream ? ofOutput(stream) : std::nullopt;
+    const bool isWhole = file.error() == QFileDevice::NoError;
+    return isUtf8 && isWhole ? std::optional(DocumentText(text, {})) : std::nullopt;
 }
 
 QString DocumentText::withLineFeeds() const

@@ -6,6 +6,8 @@
 #include <optional>
 #include <vector>
 
+class QFile;
+
 /**
  * The text of a document as the converter parses it, and where its lines began.
  *
@@ -26,11 +28,10 @@ public:
     static std::optional<DocumentText> ofFileAsStream(const QString& path);
 
     /**
-     * What the converter wrote: UTF-8, whatever it declares. None when it cannot be read or is no
-     * UTF-8.
+     * What the converter wrote, from an open file: UTF-8, whatever it declares. None when it cannot
+     * be read to its end or is no UTF-8.
      */
-    static std::optional<DocumentText> ofOutputFile(const QString& path);
-    static std::optional<DocumentText> ofOutput(std::istream& stream);
+    static std::optional<DocumentText> ofOutput(QFile& file);
 
     /** What is parsed. */
     const QString& text() const { return m_text; }

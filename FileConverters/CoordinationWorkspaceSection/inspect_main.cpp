@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cstdio>
 #include <iostream>
 
 namespace {
@@ -18,9 +19,9 @@ bool isStandardInput(const QString& document)
     return document == QLatin1String("-");
 }
 
-ReadError notReadable(const QString& document)
+ReadError notReadable(const QString& document, const QString& which = {})
 {
-    QString reason = QStringLiteral("it fails while it is read");
+    QString reason = QStringLiteral("it fails while it is read, or is not in its encoding");
     if (!isStandardInput(document)) {
         const QFileInfo file(document);
         if (!file.exists()) {
@@ -31,7 +32,7 @@ ReadError notReadable(const QString& document)
             reason = QStringLiteral("it may not be read");
         }
     }
-    return {QStringLiteral("not-readable"), reason, 0};
+    return {QStringLiteral("not-readable"), which + reason, 0};
 }
 
 // As the converter reads.
@@ -46,8 +47,10 @@ std::optional<DocumentText> readDocument(const QString& document, bool joinsLine
 // What the converter wrote.
 std::optional<DocumentText> readConverted(const QString& document)
 {
-    return isStandardInput(document) ? DocumentText::ofOutput(std::cin)
-                                     : DocumentText::ofOutputFile(document);
+    QFile file(document);
+    const bool isOpen = isStandardInput(document) ? file.open(stdin, QIODevice::ReadOnly)
+                                                  : file.open(QIODevice::ReadOnly);
+    return isOpen ? DocumentText::ofOutput(file) : std::nullopt;
 }
 
 DocumentReport inspect(const QString& document, bool joinsLines)
@@ -68,11 +71,11 @@ VerificationReport verify(const QString& before, const QString& after, bool join
 {
     const std::optional<DocumentText> beforeText = readDocument(before, joinsLines);
     if (!beforeText) {
-        return {before, after, notReadable(before)};
+        return {before, after, notReadable(before, QStringLiteral("the document before: "))};
     }
     const std::optional<DocumentText> afterText = readConverted(after);
     if (!afterText) {
-        return {before, after, notReadable(after)};
+        return {before, after, notReadable(after, QStringLiteral("the document after: "))};
     }
     ReadError error;
     std::optional<Verification> verification = verifyConversion(*beforeText, *afterText, error);
