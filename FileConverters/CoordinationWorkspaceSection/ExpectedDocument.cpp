@@ -297,7 +297,9 @@ QDomElement writeSystem(const Configuration& configuration, Profile profile, Wri
 {
     QDomElement system = writer.element("profile");
     for (const std::size_t field : KEY_ORDER) {
-        writer.append(system, KEY_FIELDS[field], configuration.key[field]);
+        // Texts of keys end at a NUL.
+        writer.append(system, KEY_FIELDS[field],
+                      configuration.key[field].section(QChar(QChar::Null), 0, 0));
     }
     for (std::size_t i = 0; i < SPACINGS.size(); ++i) {
         profile.spacings[i] = configuration.isKept[i] ? profile.spacings[i] : 0;

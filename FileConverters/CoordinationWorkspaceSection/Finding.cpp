@@ -15,6 +15,7 @@ constexpr std::array<const char*, Finding::KIND_COUNT> NAMES = {
     "container-misplaced",
     "container-repeated",
     "line-break",
+    "invalid-character",
     "profile-count-differs",
     "configuration-count-differs",
     "channel-without-id",

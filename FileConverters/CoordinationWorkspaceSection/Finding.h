@@ -20,6 +20,7 @@ struct Finding
         CONTAINER_MISPLACED,
         CONTAINER_REPEATED,
         LINE_BREAK,
+        INVALID_CHARACTER,
         // Of the join.
         PROFILE_COUNT_DIFFERS,
         CONFIGURATION_COUNT_DIFFERS,

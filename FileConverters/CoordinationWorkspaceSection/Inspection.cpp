@@ -1,5 +1,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/Inspection.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/CharacterInspection.h"
 #include "FileConverters/CoordinationWorkspaceSection/ContentInspection.h"
 #include "FileConverters/CoordinationWorkspaceSection/ConversionSteps.h"
 #include "FileConverters/CoordinationWorkspaceSection/DocumentText.h"
@@ -255,6 +256,7 @@ std::optional<Inspection> inspectDocument(const DocumentText& text, ReadError& e
     const DocumentPlaces places(document, text);
     FindingList findings(places);
     inspectLineBreaks(text, document, findings);
+    inspectCharacters(document, findings);
     Inspection inspection;
     const std::optional<OldSection> section = findOldSection(document);
     if (section) {

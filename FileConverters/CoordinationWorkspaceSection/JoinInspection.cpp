@@ -23,7 +23,7 @@ QString nameOf(const CompatSystemUniqueKey& key)
     for (const std::string& field :
          {key.zone, key.series, key.band, key.txProfile, key.inclGroup}) {
         if (!field.empty()) {
-            filled.append(QString::fromStdString(field));
+            filled.append(QString(field.c_str()));
         }
     }
     return filled.isEmpty() ? QStringLiteral("without a name")

@@ -47,7 +47,7 @@ QJsonArray arrayOf(const std::vector<Item>& items)
 
 QString text(const std::string& field)
 {
-    return QString::fromStdString(field);
+    return QString(field.c_str()); // fields are written up to their first NUL
 }
 
 QJsonObject systemObject(const InspectedSystem& system)

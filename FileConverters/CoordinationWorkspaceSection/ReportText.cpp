@@ -42,7 +42,7 @@ private:
 
 QString shown(const std::string& field)
 {
-    return TextLayout::printable(QString::fromStdString(field));
+    return TextLayout::printable(QString(field.c_str()));
 }
 
 QString nameChange(const InspectedSystem& system)

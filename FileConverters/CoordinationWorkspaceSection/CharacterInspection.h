@@ -1,0 +1,10 @@
+#pragma once
+
+class FindingList;
+class QDomDocument;
+
+/**
+ * Finds characters that the parser takes from character references although XML 1.0 has no place
+ * for them: a converted document that holds one can be read by nobody.
+ */
+void inspectCharacters(const QDomDocument& document, FindingList& findings);
