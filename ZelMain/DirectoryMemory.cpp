@@ -53,7 +53,7 @@ QString DirectoryMemory::DefaultDir(DirType type) const
     if (type > CustomCompatibilityProfiles) {
         return QDir::homePath();
     }
-    const QString& path = m_Settings.at(type).defaultPath;
+    const QString& path = m_Settings.at(static_cast<int>(type)).defaultPath;
     QString dir = QDir::homePath() + QDir::cleanPath(QDir::toNativeSeparators(path));
     if (!QDir(dir).exists() && !QDir::home().mkpath(dir)) {
         return QDir::homePath();
@@ -68,7 +68,7 @@ QString DirectoryMemory::RestoreDir(DirType type) const
     }
     QSettings settings(SETTINGS_ORGANISATION, SETTINGS_APPLICATION);
     settings.beginGroup(SETTINGS_GROUP);
-    QString remembered = settings.value(m_Settings.at(type).key).toString();
+    QString remembered = settings.value(m_Settings.at(static_cast<int>(type)).key).toString();
     settings.endGroup();
     if (!remembered.isEmpty() && QDir(remembered).exists()) {
         return remembered;
