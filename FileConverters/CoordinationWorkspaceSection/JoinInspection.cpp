@@ -263,13 +263,14 @@ void JoinInspection::inspectCounts(FindingList& findings) const
     if (m_channelOfId.size() != m_profileOfId.size()) {
         findings.add(
             Finding::PROFILE_COUNT_DIFFERS, placeOr(m_section.micChannels),
-            QStringLiteral("Different profile ids of the channels: %1, of the profiles: %2."
-                           " Unless they are as many, the settings come out empty.")
+            QStringLiteral("Each id counted once, the channels name %1 and the profiles %2:"
+                           " as these are not as many, the settings come out empty.")
                 .arg(QString::number(m_channelOfId.size()), QString::number(m_profileOfId.size())));
     } else if (systems != configurations) {
         findings.add(Finding::CONFIGURATION_COUNT_DIFFERS, placeOr(m_section.compatConfigs),
-                     QStringLiteral("Different systems of the channels: %1, of the configurations:"
-                                    " %2. Unless they are as many, the settings come out empty.")
+                     QStringLiteral("Each system counted once, the channels name %1 and the"
+                                    " configurations %2: as these are not as many, the settings"
+                                    " come out empty.")
                          .arg(QString::number(systems), QString::number(configurations)));
     }
 }
