@@ -49,10 +49,11 @@ DocumentText::DocumentText(QString text, std::vector<int> joinedLineStarts)
 
 std::optional<DocumentText> DocumentText::ofFile(const QString& path)
 {
-    QString text;
+    // A file that cannot be read leaves the text as it is, and an empty one does not.
+    const QString untouched = QStringLiteral("untouched");
+    QString text = untouched;
     CoordWorkSpaceSectionConverter0_3::ReadInputFile(path, text);
-    // What was read is never null, not even from an empty file.
-    return text.isNull() ? std::nullopt : std::optional(DocumentText(text, {}));
+    return text.isSharedWith(untouched) ? std::nullopt : std::optional(DocumentText(text, {}));
 }
 
 std::optional<DocumentText> DocumentText::ofStream(std::istream& stream)
