@@ -1,0 +1,31 @@
+"""Runs programs one after the other and reads off what they took."""
+
+import os
+import statistics
+
+
+def taken(arguments):
+    """Processor seconds and peak memory in KiB of one run, which must succeed."""
+    silent = os.open(os.devnull, os.O_RDWR)
+    actions = [(os.POSIX_SPAWN_DUP2, silent, descriptor) for descriptor in (0, 1, 2)]
+    process = os.posix_spawn(arguments[0], arguments, os.environ, file_actions=actions)
+    os.close(silent)
+    _, status, usage = os.wait4(process, 0)
+    if status != 0:
+        raise RuntimeError(f"{arguments} ended with wait status {status}")
+    return usage.ru_utime + usage.ru_stime, usage.ru_maxrss
+
+
+def medians(programs, rounds):
+    """The medians of seconds and of KiB for each program, by name; the programs take turns."""
+    seconds = {name: [] for name in programs}
+    memory = {name: [] for name in programs}
+    for _ in range(rounds):
+        for name, arguments in programs.items():
+            run_seconds, run_memory = taken(arguments)
+            seconds[name].append(run_seconds)
+            memory[name].append(run_memory)
+    return {
+        name: (statistics.median(seconds[name]), statistics.median(memory[name]))
+        for name in programs
+    }
