@@ -4,8 +4,9 @@ namespace PkLogger {
 
 bool DeviceGate::mayEnter(Visitor visitor) const
 {
-    if (m_depth > 0)
+    if (m_depth > 0) {
         return m_owner == std::this_thread::get_id();
+    }
     const Visitor other = visitor == Writer ? Call : Writer;
     return m_last == other || m_waiting[other] == 0;
 }
@@ -45,8 +46,9 @@ bool DeviceGate::enterWithin(std::chrono::milliseconds time)
 void DeviceGate::leave()
 {
     const std::lock_guard lock(m_mutex);
-    if (--m_depth > 0)
+    if (--m_depth > 0) {
         return;
+    }
     m_inUse = nullptr;
     m_changed.notify_all();
 }
@@ -54,8 +56,9 @@ void DeviceGate::leave()
 bool DeviceGate::use(QIODevice* device)
 {
     const std::lock_guard lock(m_mutex);
-    if (m_closed)
+    if (m_closed) {
         return false;
+    }
     m_inUse = device;
     return true;
 }

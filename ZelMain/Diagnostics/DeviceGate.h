@@ -65,8 +65,9 @@ public:
     }
     ~GateVisit()
     {
-        if (m_isInside)
+        if (m_isInside) {
             m_gate.leave();
+        }
     }
     GateVisit(const GateVisit&) = delete;
     GateVisit& operator=(const GateVisit&) = delete;

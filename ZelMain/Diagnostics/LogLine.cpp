@@ -51,10 +51,11 @@ LogLine::Text LogLine::getFormattedString(const LogEntry& entry, UserEntry& user
                                           LogService::LogOptions options)
 {
     m_size = 0;
-    if (user.device)
+    if (user.device) {
         formatForOwnDevice(entry, user, options);
-    else
+    } else {
         formatForCommonDevices(entry, user.name);
+    }
     limitSize();
     return {m_buffer.data(), m_size};
 }
@@ -87,11 +88,13 @@ void LogLine::formatForOwnDevice(const LogEntry& entry, UserEntry& user,
         append(user.name);
         append(" ", 1);
     }
-    if (options.testFlag(LogService::LogLevel))
+    if (options.testFlag(LogService::LogLevel)) {
         append(LEVEL_WORDS[entry.level], LEVEL_WORD_SIZE);
+    }
     // Either option brings the thread: a line that shows its level shows its thread too.
-    if (options & (LogService::LogThread | LogService::LogLevel))
+    if (options & (LogService::LogThread | LogService::LogLevel)) {
         appendThread(entry);
+    }
     append(entry.message);
     append("\n", 1);
 }
@@ -110,8 +113,9 @@ void LogLine::append(QStringView text)
 void LogLine::append(const char* text, qint64 size)
 {
     const qint64 fitting = std::min(size, room());
-    if (fitting > 0)
+    if (fitting > 0) {
         std::memcpy(m_buffer.data() + m_size, text, static_cast<std::size_t>(fitting));
+    }
     m_size += size;
 }
 
@@ -131,8 +135,9 @@ void LogLine::appendThread(const LogEntry& entry)
 
 void LogLine::limitSize()
 {
-    if (m_size <= MAX_LOG_MSG_SIZE)
+    if (m_size <= MAX_LOG_MSG_SIZE) {
         return;
+    }
     m_size = MAX_LOG_MSG_SIZE - 1;
     std::memcpy(m_buffer.data() + m_size, TRUNCATION_MARK, TRUNCATION_MARK_SIZE);
     m_size += TRUNCATION_MARK_SIZE;

@@ -37,8 +37,9 @@ void LogQueue::stop()
 
 void LogQueue::wakeWriter()
 {
-    if (m_isWriterAsleep.load() && m_isWriterAsleep.exchange(false))
+    if (m_isWriterAsleep.load() && m_isWriterAsleep.exchange(false)) {
         m_wakeUp.release();
+    }
 }
 
 bool LogQueue::isEmpty() const
@@ -52,10 +53,12 @@ bool LogQueue::waitForEntry()
     while (isEmpty()) {
         m_isWriterAsleep.store(true);
         const bool isStopped = m_isStopped.load();
-        if (!isEmpty())
+        if (!isEmpty()) {
             break;
-        if (isStopped)
+        }
+        if (isStopped) {
             return false;
+        }
         m_wakeUp.acquire(); // a resource may be left from an entry that was seen before sleep
     }
     m_isWriterAsleep.store(false, std::memory_order_relaxed);

@@ -60,7 +60,6 @@ private:
     int next(int index) const;
     void wakeWriter();
 
-    std::vector<LogEntry> m_ring;
     // Only threads under the service lock move the write index, only the writer moves the other.
     // They stand on cache lines of their own, which the two sides would take from each other.
     alignas(64) std::atomic<int> m_writeIndex{0};
@@ -71,6 +70,7 @@ private:
     alignas(64) std::atomic<bool> m_isWriterAsleep{false};
     std::atomic<bool> m_isStopped{false};
     QSemaphore m_wakeUp{0};
+    std::vector<LogEntry> m_ring;
 };
 
 } // namespace PkLogger

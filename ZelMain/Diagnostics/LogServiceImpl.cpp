@@ -65,11 +65,13 @@ QSharedPointer<LoggerImpl> LogServiceImpl::getLoggerObject(const QString& name,
     const Guard guard(m_state->lock);
     std::vector<UserEntry>& users = m_state->session->users;
     // A full table answers null for the names in it, too.
-    if (!m_state->isRunning() || users.size() >= LogSession::MAX_USERS)
+    if (!m_state->isRunning() || users.size() >= LogSession::MAX_USERS) {
         return {};
+    }
     const int index = indexOf(name);
-    if (index >= 0)
+    if (index >= 0) {
         return users[static_cast<std::size_t>(index)].logger;
+    }
 
     UserEntry user;
     user.name = name;
@@ -116,8 +118,9 @@ void LogServiceImpl::enableUserOutput(const QString& name, bool enable)
     {
         const Guard guard(m_state->lock);
         const UserEntry* const user = switchableUser(name);
-        if (user == nullptr)
+        if (user == nullptr) {
             return;
+        }
         if (!user->device) {
             setEnabled(user, enable);
             return;
@@ -128,17 +131,20 @@ void LogServiceImpl::enableUserOutput(const QString& name, bool enable)
     {
         const Guard guard(m_state->lock);
         const UserEntry* const user = switchableUser(name);
-        if (user == nullptr)
+        if (user == nullptr) {
             return;
+        }
         setEnabled(user, enable);
         device = user->device.data();
     }
-    if (device == nullptr)
+    if (device == nullptr) {
         return; // another user of this name, of a later start
-    if (!enable)
+    }
+    if (!enable) {
         call.session().close(device);
-    else if (!device->isOpen())
+    } else if (!device->isOpen()) {
         call.session().open(device);
+    }
 }
 
 bool LogServiceImpl::isUserEnabled(const QString& name)
@@ -177,8 +183,9 @@ QStringList LogServiceImpl::userNames(Condition condition) const
     const std::vector<UserEntry>& users = m_state->session->users;
     QStringList names;
     for (std::size_t i = 1; i < users.size(); ++i) {
-        if (!users[i].device && condition(users[i]))
+        if (!users[i].device && condition(users[i])) {
             names.append(users[i].name);
+        }
     }
     return names;
 }
@@ -187,13 +194,15 @@ QStringList LogServiceImpl::userNames(Condition condition) const
 
 void LogServiceImpl::configureLogService(LoggerConfigInterface* config)
 {
-    if (config == nullptr)
+    if (config == nullptr) {
         return;
+    }
     const DeviceCall call(*m_state); // all of the configuration is one call
     {
         const Guard guard(m_state->lock);
-        if (!m_state->isRunning())
+        if (!m_state->isRunning()) {
             return;
+        }
     }
     enableDebugOutput(config->isDebugOutputEnabled());
     enableInfoOutput(config->isInfoOutputEnabled());
@@ -208,8 +217,9 @@ void LogServiceImpl::configureLogService(LoggerConfigInterface* config)
 void LogServiceImpl::applyUserStates(const QVector<LoggerConfigInterface::UserState>& states)
 {
     for (const LoggerConfigInterface::UserState& state : states) {
-        if (state.name.isEmpty())
+        if (state.name.isEmpty()) {
             continue;
+        }
         getLoggerObject(state.name);
         enableUserOutput(state.name, state.enabled);
     }
@@ -231,16 +241,19 @@ bool LogServiceImpl::flip(std::atomic<bool>& flag, bool on)
     bool devicesAreWanted = false;
     {
         const Guard guard(m_state->lock);
-        if (!m_state->isRunning())
+        if (!m_state->isRunning()) {
             return false;
-        if (flag.exchange(on, RELAXED) == on)
+        }
+        if (flag.exchange(on, RELAXED) == on) {
             return true;
+        }
         devicesAreWanted = isLoggerEnabled() && !isConsoleLogEnabled();
     }
-    if (devicesAreWanted)
+    if (devicesAreWanted) {
         call.session().openCommonDevices();
-    else
+    } else {
         call.session().closeCommonDevices();
+    }
     return true;
 }
 
@@ -258,11 +271,13 @@ bool LogServiceImpl::registerOutputDevice(QSharedPointer<QIODevice> device)
 {
     const DeviceCall call(*m_state);
     std::vector<QSharedPointer<QIODevice>>& devices = call.session().devices;
-    if (devices.size() >= LogSession::MAX_COMMON_DEVICES)
+    if (devices.size() >= LogSession::MAX_COMMON_DEVICES) {
         return false;
+    }
     // Opened whether or not the console is on; the next change of a switch puts it right.
-    if (isLoggerEnabled() && device && !device->isOpen())
+    if (isLoggerEnabled() && device && !device->isOpen()) {
         call.session().open(device.data());
+    }
     devices.push_back(std::move(device));
     return true;
 }
@@ -270,8 +285,9 @@ bool LogServiceImpl::registerOutputDevice(QSharedPointer<QIODevice> device)
 void LogServiceImpl::setLevelMask(LOGLEVEL level, bool on)
 {
     const Guard guard(m_state->lock);
-    if (!m_state->isRunning() || !isLevel(level))
+    if (!m_state->isRunning() || !isLevel(level)) {
         return;
+    }
     const quint32 bit = 1U << level;
     const quint32 mask = m_levelMask.load(RELAXED);
     m_levelMask.store(on ? mask | bit : mask & ~bit, RELAXED);
@@ -322,8 +338,9 @@ bool LogServiceImpl::isErrorOutputEnabled() const
 bool LogServiceImpl::logString(int handle, LOGLEVEL level, const QString& text)
 {
     const Guard guard(m_state->lock);
-    if (!isAcceptable(handle, level))
+    if (!isAcceptable(handle, level)) {
         return false;
+    }
     LogSession& session = *m_state->session;
     const UserEntry& user = session.users[static_cast<std::size_t>(handle)];
     const qint64 now = QDateTime::currentMSecsSinceEpoch();
@@ -342,8 +359,9 @@ bool LogServiceImpl::logString(int handle, LOGLEVEL level, const QString& text)
 bool LogServiceImpl::isAcceptable(int handle, LOGLEVEL level) const
 {
     const LogSession& session = *m_state->session;
-    if (session.queue.isFull() || !isHandleEnabled(handle) || !isLevel(level))
+    if (session.queue.isFull() || !isHandleEnabled(handle) || !isLevel(level)) {
         return false;
+    }
     // A private device gets every message of its user, whatever logger switch and levels say.
     return session.users[static_cast<std::size_t>(handle)].device ||
            (isLoggerEnabled() && isLevelEnabled(level));

@@ -22,16 +22,29 @@ class LoggerImpl;
  * the thread that logs and written by the service's own thread, so logging never waits for a
  * device.
  *
- * A program starts the service once, adds devices, switches users and levels on, and closes it:
+ * A program starts the service, adds devices, and switches users and levels on:
  *
  *     auto service = PkLogger::LogService::GetLogService();
- *     service->initLogService(PkLogger::LogService::LogThread);
+ *     service->initLogService({});
  *     service->registerOutputDevice(QSharedPointer<QFile>::create("log.txt"));
  *     service->enableErrorOutput(true);
  *     service->enableLogger(true);
  *     auto logger = service->getLoggerObject("DATABASE");
  *     service->enableUserOutput("DATABASE", true);
  *     logger->logError("%d rows lost", rows);
+ *
+ * Devices. The service opens, closes and writes its devices, one thread at a time; nobody else does
+ * while it has them. A device that fails costs its own lines only. One that blocks holds up the
+ * writer and the calls that open or close devices, never those that log. When the writer has
+ * nothing more to write it flushes what is a QFileDevice, so the lines of an idle service stand in
+ * its files; what was written before a crash stands there in whole lines. An idle service wakes up
+ * no thread.
+ *
+ * The end of the process. What is queued when main returns or exit() is called is still written.
+ * Exit handlers and destructors of statics that were made after the start may still log; those made
+ * before it, and threads that run on, are refused. After a fork the child has a service that is not
+ * started and knows no device: what it logs is refused and nothing of the parent's is written
+ * twice. It may start the service for itself.
  *
  * Every operation may be called from any thread, before the start and after a close too. None
  * throws and none reports: what cannot be done returns false or a null pointer.
@@ -81,7 +94,8 @@ public:
 
     /**
      * The same for a user with a private @p device. Its lines go there alone, whatever the logger
-     * switch, the console switch and the levels say; only the user's own switch counts.
+     * switch, the console switch and the levels say; only the user's own switch counts. (The printf
+     * form of Logger does not come that far when its level is off.)
      *
      * @param device      opened when the user is enabled (write only, text), closed when it is
      *                    disabled; shared with the service until the service is closed.
@@ -166,15 +180,16 @@ Q_DECLARE_OPERATORS_FOR_FLAGS(LogService::OutFormatOptions)
 class Logger
 {
 public:
-    // A message in the form of QString::asprintf(). A level or user that is switched off costs
-    // next to nothing: the text is not built then. Formats and texts are UTF-8.
+    // A message in the form of QString::asprintf(). It asks the query of its level first, and when
+    // level or user is off it costs next to nothing: the text is not built then. Formats and texts
+    // are UTF-8.
     virtual bool logDebug(const char* format, ...) Q_ATTRIBUTE_FORMAT_PRINTF(2, 3) = 0;
     virtual bool logInfo(const char* format, ...) Q_ATTRIBUTE_FORMAT_PRINTF(2, 3) = 0;
     virtual bool logWarning(const char* format, ...) Q_ATTRIBUTE_FORMAT_PRINTF(2, 3) = 0;
     virtual bool logError(const char* format, ...) Q_ATTRIBUTE_FORMAT_PRINTF(2, 3) = 0;
 
     // A message about a connection and a device. An identifier that is not the default one is
-    // named in front of the text.
+    // named in front of the text. The query is not asked: the service decides alone.
     virtual bool logDebug(const QString& text, const CID& cid, const DCID& dcid) = 0;
     virtual bool logInfo(const QString& text, const CID& cid, const DCID& dcid) = 0;
     virtual bool logWarning(const QString& text, const CID& cid, const DCID& dcid) = 0;

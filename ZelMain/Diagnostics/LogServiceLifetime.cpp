@@ -55,8 +55,9 @@ void makeQtsTables()
 // run last made first, so the tables that the service's threads use are made before the handler.
 void closeWhenProgramEnds()
 {
-    if (isExitHandlerPending.exchange(true, RELAXED))
+    if (isExitHandlerPending.exchange(true, RELAXED)) {
         return;
+    }
     makeQtsTables();
     std::atexit(closeAtExit);
 }
@@ -110,12 +111,14 @@ void LogServiceImpl::initLogService(LogOptions options)
     {
         // A started service is not held up by a close under way.
         const Guard guard(m_state->lock);
-        if (m_state->isInitialised)
+        if (m_state->isInitialised) {
             return;
+        }
     }
     const std::lock_guard startStop(m_state->startStop);
-    if (!prepareSession())
+    if (!prepareSession()) {
         return;
+    }
     closeWhenProgramEnds();
     m_state->writer->start(QThread::LowestPriority);
     m_state->cleanup->start(QThread::LowestPriority);
@@ -124,16 +127,19 @@ void LogServiceImpl::initLogService(LogOptions options)
 bool LogServiceImpl::prepareSession()
 {
     const Guard guard(m_state->lock);
-    if (m_state->isInitialised)
+    if (m_state->isInitialised) {
         return false;
+    }
     m_state->session->queue.allocate();
     m_state->isInitialised = true;
     getLoggerObject(LOGGER_USER_ID);        // becomes user 0
     enableUserOutput(LOGGER_USER_ID, true); // which cannot be switched, so it stays off
-    if (!m_state->writer)
+    if (!m_state->writer) {
         m_state->writer = std::make_unique<LoggerWriterThread>(this);
-    if (!m_state->cleanup)
+    }
+    if (!m_state->cleanup) {
         m_state->cleanup = std::make_unique<LogFilesCleanupThread>(CLEANUP_MONTHS, nullptr);
+    }
     return true;
 }
 
@@ -141,8 +147,9 @@ bool LogServiceImpl::writeData()
 {
     if (writersSession == nullptr) {
         const Guard guard(m_state->lock);
-        if (QThread::currentThread() != m_state->writer.get())
+        if (QThread::currentThread() != m_state->writer.get()) {
             return false;
+        }
         writersSession = m_state->session.get();
     }
     return writersSession->writeNext(m_state->options);
@@ -152,11 +159,13 @@ bool LogServiceImpl::writeData()
 
 void LogServiceImpl::closeLogger()
 {
-    if (writersSession != nullptr)
+    if (writersSession != nullptr) {
         return; // a device that closes the service while it is written to would wait for itself
+    }
     const std::lock_guard startStop(m_state->startStop);
-    if (!beginClosing())
+    if (!beginClosing()) {
         return;
+    }
     const QIODevice* const busy = stopWriter();
     stopCleanup();
     endSession(busy);
@@ -165,8 +174,9 @@ void LogServiceImpl::closeLogger()
 bool LogServiceImpl::beginClosing()
 {
     const Guard guard(m_state->lock);
-    if (!m_state->isRunning())
+    if (!m_state->isRunning()) {
         return false;
+    }
     logString(0, LOG_INFO, "Logger is about to exit..."); // refused: user 0 is off
     m_state->isLoggerEnabled.store(false, RELAXED);
     m_state->enabledUsers.store(0, RELAXED);
@@ -178,11 +188,13 @@ bool LogServiceImpl::beginClosing()
 const QIODevice* LogServiceImpl::stopWriter()
 {
     LoggerWriterThread& writer = *m_state->writer;
-    if (writer.isRunning())
+    if (writer.isRunning()) {
         writer.setPriority(QThread::HighPriority);
+    }
     m_state->session->queue.stop();
-    if (waitFor(writer, m_state->patience))
+    if (waitFor(writer, m_state->patience)) {
         return nullptr;
+    }
     const QIODevice* const busy = m_state->session->gate.close();
     writer.terminate();
     waitFor(writer, m_state->patienceAfterTermination);
@@ -194,11 +206,13 @@ const QIODevice* LogServiceImpl::stopWriter()
 void LogServiceImpl::stopCleanup()
 {
     LogFilesCleanupThread& cleanup = *m_state->cleanup;
-    if (waitFor(cleanup, m_state->patience)) // at once when it is over
+    if (waitFor(cleanup, m_state->patience)) { // at once when it is over
         return;
+    }
     cleanup.terminate();
-    if (!waitFor(cleanup, m_state->patienceAfterTermination))
+    if (!waitFor(cleanup, m_state->patienceAfterTermination)) {
         keepForGood(std::move(m_state->cleanup), nullptr);
+    }
 }
 
 void LogServiceImpl::endSession(const QIODevice* busy)
@@ -212,10 +226,11 @@ void LogServiceImpl::endSession(const QIODevice* busy)
     }
     // A device that somebody is stuck in stays as it is: closing it would get stuck as well.
     session->closeAllDevices(busy != nullptr ? busy : heldByCall);
-    if (isInside)
+    if (isInside) {
         session->gate.leave();
-    else
+    } else {
         keepForGood(nullptr, session);
+    }
 }
 
 void LogServiceImpl::forgetSession()

@@ -26,8 +26,9 @@ LogSession::LogSession()
 bool LogSession::writeNext(const std::atomic<int>& options)
 {
     // A device or message handler that asks for the next line now would get this one again.
-    if (m_isWriting || !waitForEntry())
+    if (m_isWriting || !waitForEntry()) {
         return false;
+    }
     m_isWriting = true;
     LogEntry& entry = queue.front();
     UserEntry& user = users[static_cast<std::size_t>(entry.handle)];
@@ -43,8 +44,9 @@ bool LogSession::writeNext(const std::atomic<int>& options)
 bool LogSession::waitForEntry()
 {
     for (int look = 0; look < LOOKS_BEFORE_SLEEP; ++look) {
-        if (!queue.isEmpty())
+        if (!queue.isEmpty()) {
             return true;
+        }
         QThread::yieldCurrentThread();
     }
     return flushDevices() && queue.waitForEntry();
@@ -53,41 +55,48 @@ bool LogSession::waitForEntry()
 bool LogSession::write(const LogLine::Text& text, QIODevice* ownDevice)
 {
     const GateVisit visit(gate, DeviceGate::Writer);
-    if (!visit.isInside())
+    if (!visit.isInside()) {
         return false;
-    if (ownDevice != nullptr)
-        return writeTo(ownDevice, text);
-    for (std::size_t i = 0; i < devices.size(); ++i) { // a device may register another one
-        QIODevice* const device = devices[i].data();
-        if (device != nullptr && device->isOpen() && !writeTo(device, text))
-            return false;
     }
-    return true;
+    if (ownDevice != nullptr) {
+        return writeTo(ownDevice, text);
+    }
+    // A device may register another one meanwhile: there is room, so nothing moves.
+    return std::all_of(devices.begin(), devices.end(),
+                       [&](const QSharedPointer<QIODevice>& device) {
+                           return !device || !device->isOpen() || writeTo(device.data(), text);
+                       });
 }
 
 bool LogSession::writeTo(QIODevice* device, const LogLine::Text& text)
 {
-    if (!gate.use(device))
+    if (!gate.use(device)) {
         return false;
+    }
     device->write(text.data, text.size); // what fails is lost, silently
-    if (std::find(m_unflushed.begin(), m_unflushed.end(), device) == m_unflushed.end())
+    if (std::find(m_unflushed.begin(), m_unflushed.end(), device) == m_unflushed.end()) {
         m_unflushed.push_back(device);
+    }
     return true;
 }
 
 bool LogSession::flushDevices()
 {
-    if (m_unflushed.empty())
+    if (m_unflushed.empty()) {
         return true;
+    }
     const GateVisit visit(gate, DeviceGate::Writer);
-    if (!visit.isInside())
+    if (!visit.isInside()) {
         return false;
+    }
     for (QIODevice* const device : m_unflushed) {
         auto* const file = qobject_cast<QFileDevice*>(device);
-        if (file == nullptr || !file->isOpen())
+        if (file == nullptr || !file->isOpen()) {
             continue;
-        if (!gate.use(file))
+        }
+        if (!gate.use(file)) {
             return false;
+        }
         file->flush();
     }
     m_unflushed.clear();
@@ -96,37 +105,43 @@ bool LogSession::flushDevices()
 
 void LogSession::openCommonDevices()
 {
-    for (std::size_t i = 0; i < devices.size(); ++i)
-        open(devices[i].data());
+    for (const QSharedPointer<QIODevice>& device : devices) {
+        open(device.data());
+    }
 }
 
 void LogSession::closeCommonDevices()
 {
-    for (std::size_t i = 0; i < devices.size(); ++i)
-        close(devices[i].data());
+    for (const QSharedPointer<QIODevice>& device : devices) {
+        close(device.data());
+    }
 }
 
 void LogSession::open(QIODevice* device)
 {
-    if (device != nullptr && gate.use(device))
+    if (device != nullptr && gate.use(device)) {
         device->open(OPEN_MODE);
+    }
 }
 
 void LogSession::close(QIODevice* device)
 {
-    if (device != nullptr && gate.use(device))
+    if (device != nullptr && gate.use(device)) {
         device->close();
+    }
 }
 
 void LogSession::closeAllDevices(const QIODevice* busy)
 {
     const auto closeUnlessBusy = [busy](const QSharedPointer<QIODevice>& device) {
-        if (device && device != busy)
+        if (device && device != busy) {
             device->close();
+        }
     };
     std::for_each(devices.begin(), devices.end(), closeUnlessBusy);
-    for (const UserEntry& user : users)
+    for (const UserEntry& user : users) {
         closeUnlessBusy(user.device);
+    }
 }
 
 } // namespace PkLogger

@@ -25,8 +25,9 @@ LoggerImpl::~LoggerImpl() = default;
 
 bool LoggerImpl::logDebug(const char* format, ...)
 {
-    if (!isDebugOutputEnabled())
+    if (!isDebugOutputEnabled()) {
         return false;
+    }
     va_list arguments;
     va_start(arguments, format);
     const bool isQueued = logStr(LoggerDataLogInterface::LOG_DEBUG, format, arguments);
@@ -36,8 +37,9 @@ bool LoggerImpl::logDebug(const char* format, ...)
 
 bool LoggerImpl::logInfo(const char* format, ...)
 {
-    if (!isInfoOutputEnabled())
+    if (!isInfoOutputEnabled()) {
         return false;
+    }
     va_list arguments;
     va_start(arguments, format);
     const bool isQueued = logStr(LoggerDataLogInterface::LOG_INFO, format, arguments);
@@ -47,8 +49,9 @@ bool LoggerImpl::logInfo(const char* format, ...)
 
 bool LoggerImpl::logWarning(const char* format, ...)
 {
-    if (!isWarningOutputEnabled())
+    if (!isWarningOutputEnabled()) {
         return false;
+    }
     va_list arguments;
     va_start(arguments, format);
     const bool isQueued = logStr(LoggerDataLogInterface::LOG_WARNING, format, arguments);
@@ -58,8 +61,9 @@ bool LoggerImpl::logWarning(const char* format, ...)
 
 bool LoggerImpl::logError(const char* format, ...)
 {
-    if (!isErrorOutputEnabled())
+    if (!isErrorOutputEnabled()) {
         return false;
+    }
     va_list arguments;
     va_start(arguments, format);
     const bool isQueued = logStr(LoggerDataLogInterface::LOG_ERROR, format, arguments);
@@ -112,8 +116,9 @@ QString LoggerImpl::appendIDsToLogString(const QString& text, const CID& cid, co
                       .arg(QString::fromLatin1(cidText.data(), SHOWN_CID_CHARACTERS));
     }
     // Says that there is a device and keeps its identifier to itself.
-    if (dcid != DCID())
+    if (dcid != DCID()) {
         result += QStringLiteral("DCID = () ");
+    }
     return result + text;
 }
 
@@ -140,8 +145,9 @@ bool LoggerImpl::isErrorOutputEnabled() const
 bool LoggerImpl::isOutputEnabled(LoggerDataLogInterface::LOGLEVEL level) const
 {
     // The level first: it answers most questions, and asking it needs no hold on the service.
-    if (!LogServiceImpl::isLevelEnabled(level))
+    if (!LogServiceImpl::isLevelEnabled(level)) {
         return false;
+    }
     const QSharedPointer<LogServiceImpl> service = m_service.toStrongRef();
     return service && service->isHandleEnabled(m_handle);
 }

@@ -19,8 +19,9 @@ const QString& TimeText::textOf(const LocalMoment& moment)
     }
     // A base with extra milliseconds stands at a whole hundredth of a second, so its last digit is
     // the zero of the locale's digits, which stand side by side in Unicode.
-    if (m_endsInMs && !m_text.isEmpty())
+    if (m_endsInMs && !m_text.isEmpty()) {
         m_text.back() = QChar(static_cast<ushort>(m_zeroDigit + moment.extraMs));
+    }
     return m_text;
 }
 

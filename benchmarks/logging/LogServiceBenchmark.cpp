@@ -122,16 +122,19 @@ double linesPerSecond(Contender& contender, const std::string& file, int produce
     contender.start(file);
     const auto begin = Clock::now();
     std::vector<std::thread> threads;
+    threads.reserve(static_cast<std::size_t>(producers));
     for (int producer = 0; producer < producers; ++producer) {
         threads.emplace_back([&contender, producer, producers] {
             for (int number = 0; number < LINES / producers; ++number) {
-                while (!contender.log(producer, number))
+                while (!contender.log(producer, number)) {
                     std::this_thread::yield();
+                }
             }
         });
     }
-    for (std::thread& thread : threads)
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     contender.finish();
     const Nanoseconds time = Clock::now() - begin;
     if (!hasLines(file, LINES)) {
@@ -160,8 +163,9 @@ CallCost acceptedCallCost(Contender& contender, const std::string& file)
         const bool isAccepted = contender.log(0, number);
         const auto after = Clock::now();
         clockCosts.push_back(Nanoseconds(between - before).count());
-        if (isAccepted)
+        if (isAccepted) {
             costs.push_back(Nanoseconds(after - between).count());
+        }
     }
     contender.finish();
     std::sort(clockCosts.begin(), clockCosts.end());
@@ -174,8 +178,9 @@ double switchedOffCallCost(Contender& contender, const std::string& file)
 {
     contender.start(file);
     const auto begin = Clock::now();
-    for (int number = 0; number < SWITCHED_OFF_CALLS; ++number)
+    for (int number = 0; number < SWITCHED_OFF_CALLS; ++number) {
         contender.logSwitchedOff(number);
+    }
     const Nanoseconds time = Clock::now() - begin;
     contender.finish();
     return time.count() / SWITCHED_OFF_CALLS;
@@ -237,7 +242,8 @@ int main(int argc, char** argv)
     }
 
     std::printf("%d runs%17s%36s%36s  ratio\n", runs, "", "log service", "spdlog");
-    for (const Row& row : {one, four, typical, slow, off})
+    for (const Row& row : {one, four, typical, slow, off}) {
         print(row);
+    }
     return EXIT_SUCCESS;
 }

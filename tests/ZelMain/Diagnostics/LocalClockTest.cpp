@@ -45,10 +45,11 @@ void LocalClockTest::initTestCase()
 
 void LocalClockTest::cleanup()
 {
-    if (m_zoneBefore.isNull())
+    if (m_zoneBefore.isNull()) {
         qunsetenv("TZ");
-    else
+    } else {
         qputenv("TZ", m_zoneBefore);
+    }
 }
 
 void LocalClockTest::compareWithQt(qint64 ms)
@@ -70,8 +71,9 @@ void LocalClockTest::everyZoneIsFollowedOverItsChanges_data()
          {"Europe/Berlin", "Europe/London", "Europe/Dublin", "America/New_York", "America/St_Johns",
           "America/Santiago", "Asia/Beirut", "Africa/Cairo", "Africa/Casablanca",
           "Australia/Lord_Howe", "Australia/Sydney", "Pacific/Auckland", "Pacific/Chatham",
-          "Antarctica/Troll", "Asia/Kolkata", "UTC"})
+          "Antarctica/Troll", "Asia/Kolkata", "UTC"}) {
         QTest::newRow(zone) << QByteArray(zone);
+    }
 }
 
 void LocalClockTest::everyZoneIsFollowedOverItsChanges()
@@ -87,15 +89,19 @@ void LocalClockTest::everyZoneIsFollowedOverItsChanges()
     QCOMPARE(changes.isEmpty(), zone == "UTC" || zone == "Asia/Kolkata");
     for (const QTimeZone::OffsetData& change : changes) {
         const qint64 ms = change.atUtc.toMSecsSinceEpoch();
-        for (qint64 around = ms - 30; around <= ms + 30; ++around)
+        for (qint64 around = ms - 30; around <= ms + 30; ++around) {
             compareWithQt(around);
-        for (const qint64 hours : {-3, -2, -1, 1, 2, 3}) // the hour that is told twice, both times
+        }
+        for (const qint64 hours :
+             {-3, -2, -1, 1, 2, 3}) { // the hour that is told twice, both times
             compareWithQt(ms + hours * 3600 * 1000 - 1);
+        }
     }
     QRandomGenerator random(20241);
-    for (int i = 0; i < 500; ++i)
+    for (int i = 0; i < 500; ++i) {
         compareWithQt(from.toMSecsSinceEpoch() + random.bounded(366 * 24 * 3600) * qint64(1000) +
                       random.bounded(1000));
+    }
 }
 
 void LocalClockTest::momentsInOneHundredthShareTheirBase()
@@ -113,8 +119,9 @@ void LocalClockTest::momentsInOneHundredthShareTheirBase()
 
 void LocalClockTest::timeBefore1970IsTold()
 {
-    for (const qint64 ms : {-1, -10, -11, -999, -1000, -1001, 0, 1})
+    for (const qint64 ms : {-1, -10, -11, -999, -1000, -1001, 0, 1}) {
         compareWithQt(ms);
+    }
 }
 
 void LocalClockTest::changedZoneIsFollowedAtOnce()

@@ -380,8 +380,9 @@ std::atomic<QThread*> reporter{nullptr};
 
 void noteReporter(QtMsgType /*type*/, const QMessageLogContext& context, const QString& message)
 {
-    if (message == TOO_LONG && qstrcmp(context.category, "default") == 0)
+    if (message == TOO_LONG && qstrcmp(context.category, "default") == 0) {
         reporter = QThread::currentThread();
+    }
 }
 
 } // namespace

@@ -78,8 +78,9 @@ void LogServiceConfigTest::cleanup()
 void LogServiceConfigTest::levelsAreApplied_data()
 {
     QTest::addColumn<int>("levels");
-    for (int levels = 0; levels < 16; ++levels)
+    for (int levels = 0; levels < 16; ++levels) {
         QTest::addRow("mask %d", levels) << levels;
+    }
 }
 
 void LogServiceConfigTest::levelsAreApplied()
@@ -171,8 +172,9 @@ void LogServiceConfigTest::servicesOwnUserStaysOff()
 
 void LogServiceConfigTest::usersBeyondTheLimitAreNotMade()
 {
-    for (int i = 1; i <= 70; ++i)
+    for (int i = 1; i <= 70; ++i) {
         m_config.states.append({QString::number(i), true});
+    }
     m_service->configureLogService(&m_config);
     QCOMPARE(m_service->getEnabledUserList().size(), 63);
     QVERIFY(m_service->isUserEnabled("63"));

@@ -28,8 +28,9 @@ QSharedPointer<RecordingDevice> newDevice(const QString& name = QString())
 QStringList messages(const RecordingDevice& device)
 {
     QStringList texts;
-    for (const QByteArray& line : device.lines())
+    for (const QByteArray& line : device.lines()) {
         texts << QString::fromLatin1(line.mid(line.lastIndexOf("  ") + 2)).trimmed();
+    }
     return texts;
 }
 
@@ -116,7 +117,7 @@ void LogServiceImplTest::cleanup()
 
 QSharedPointer<LoggerImpl> LogServiceImplTest::enabledUser(const QString& name)
 {
-    const QSharedPointer<LoggerImpl> logger = m_service->getLoggerObject(name);
+    QSharedPointer<LoggerImpl> logger = m_service->getLoggerObject(name);
     m_service->enableUserOutput(name, true);
     return logger;
 }
@@ -126,8 +127,9 @@ void LogServiceImplTest::switchOn(const QSharedPointer<RecordingDevice>& device)
 {
     enabledUser(USER);
     for (const Level level :
-         {Level::LOG_DEBUG, Level::LOG_INFO, Level::LOG_WARNING, Level::LOG_ERROR})
+         {Level::LOG_DEBUG, Level::LOG_INFO, Level::LOG_WARNING, Level::LOG_ERROR}) {
         m_service->setLevelMask(level, true);
+    }
     m_service->registerOutputDevice(device);
     m_service->enableLogger(true);
 }
@@ -241,8 +243,9 @@ void LogServiceImplTest::newUserIsDisabled()
 
 void LogServiceImplTest::sixtyFourUsersAreTheLimit()
 {
-    for (int i = 1; i < 64; ++i)
+    for (int i = 1; i < 64; ++i) {
         QVERIFY(!m_service->getLoggerObject(QString::number(i)).isNull());
+    }
     QVERIFY(m_service->getLoggerObject("64").isNull());
     QVERIFY(m_service->getLoggerObject("64", newDevice(), QString(), {}).isNull());
     QVERIFY(!m_service->isUserExists("64"));
@@ -504,8 +507,9 @@ void LogServiceImplTest::commonDevicesFollowLoggerAndConsole()
         }
     }
     QTEST(device->isOpen(), "isOpen");
-    if (device->isOpen())
+    if (device->isOpen()) {
         QCOMPARE(device->lastOpenMode(), QIODevice::WriteOnly | QIODevice::Text);
+    }
 }
 
 void LogServiceImplTest::switchThatDoesNotChangeLeavesTheDevicesAlone()
@@ -556,8 +560,9 @@ void LogServiceImplTest::openDeviceIsRegisteredAsItIs()
 
 void LogServiceImplTest::fiveDevicesAreTheLimit()
 {
-    for (int i = 0; i < 5; ++i)
+    for (int i = 0; i < 5; ++i) {
         QVERIFY(m_service->registerOutputDevice(newDevice()));
+    }
     m_service->enableLogger(true);
     const auto sixth = newDevice();
     QVERIFY(!m_service->registerOutputDevice(sixth));
@@ -569,8 +574,9 @@ void LogServiceImplTest::fiveDevicesAreTheLimit()
 void LogServiceImplTest::nullDeviceTakesAPlace()
 {
     m_service->enableLogger(true);
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         QVERIFY(m_service->registerOutputDevice({}));
+    }
     const auto device = newDevice();
     switchOn(device);
     QVERIFY(!m_service->registerOutputDevice(newDevice()));
@@ -617,8 +623,9 @@ void LogServiceImplTest::fullQueueRefuses()
     const auto device = newDevice();
     device->blockWrites();
     switchOn(device);
-    for (int i = 0; i < 9999; ++i)
+    for (int i = 0; i < 9999; ++i) {
         QVERIFY(m_service->logString(1, Level::LOG_INFO, QString::number(i)));
+    }
     QVERIFY(!m_service->logString(1, Level::LOG_INFO, "refused"));
     QVERIFY(device->waitUntilBlocked());
     QVERIFY(!m_service->logString(1, Level::LOG_INFO, "refused"));
@@ -629,8 +636,9 @@ void LogServiceImplTest::fullQueueRefuses()
     m_service->closeLogger();
     const QStringList texts = messages(*device);
     QCOMPARE(texts.size(), 10000);
-    for (int i = 0; i < texts.size(); ++i)
+    for (int i = 0; i < texts.size(); ++i) {
         QCOMPARE(texts.at(i), QString::number(i));
+    }
 }
 
 void LogServiceImplTest::writingIsForTheWriterOnly()
@@ -651,8 +659,9 @@ void LogServiceImplTest::closeWritesWhatIsQueued()
     const auto device = newDevice();
     device->blockWrites();
     switchOn(device);
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         m_service->logString(1, Level::LOG_INFO, QString::number(i));
+    }
     device->unblockWrites();
     m_service->closeLogger();
     QCOMPARE(device->lines().size(), 100);

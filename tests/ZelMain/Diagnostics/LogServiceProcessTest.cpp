@@ -59,8 +59,9 @@ void LogServiceProcessTest::run(const QString& way)
 QList<QByteArray> LogServiceProcessTest::wholeLines(const QString& file)
 {
     QFile log(file);
-    if (!log.open(QIODevice::ReadOnly))
+    if (!log.open(QIODevice::ReadOnly)) {
         return {};
+    }
     QList<QByteArray> lines = log.readAll().split('\n');
     lines.removeLast(); // what follows the last line feed
     return lines;
@@ -107,10 +108,12 @@ void LogServiceProcessTest::everyQueuedLineIsWrittenAtTheEnd()
     const QList<QByteArray> lines = wholeLines(path());
     QCOMPARE(lines.size(), hasLastWords ? 1001 : 1000);
     expectNumberedLines(lines, 1000);
-    if (hasLastWords)
+    if (hasLastWords) {
         QVERIFY(lines.last().endsWith("  last words"));
-    if (way != "start-from-an-exit-handler") // the application is gone by then
+    }
+    if (way != "start-from-an-exit-handler") { // the application is gone by then
         QVERIFY(lines.at(999).contains("*  line "));
+    }
 }
 
 void LogServiceProcessTest::cleanupUnderWayAtTheEndDoesNoHarm()

@@ -19,7 +19,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-using PkLogger::LoggerImpl;
 using PkLogger::LogService;
 using PkLogger::LogServiceImpl;
 using Level = PkLogger::LoggerDataLogInterface::LOGLEVEL;
@@ -70,7 +69,7 @@ private:
 template <typename Device = RecordingDevice>
 QSharedPointer<Device> addUser(LogServiceImpl& service, const QString& name)
 {
-    const auto device = QSharedPointer<Device>::create();
+    auto device = QSharedPointer<Device>::create();
     service.getLoggerObject(name, device, QStringLiteral("'T'"), {});
     service.enableUserOutput(name, true);
     return device;
@@ -199,8 +198,9 @@ void LogServiceSafetyTest::fullDiskGetsLinesAgainWhenItHasSpace()
     service.enableUserOutput(USER, true);
     const auto probe = addUser(service, "PROBE");
     const auto logAndWait = [&](const QString& text, int count) {
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             QVERIFY(log(service, 1, text + QString(90, '.')));
+        }
         const int lines = probe->lines().size();
         QVERIFY(log(service, 2, "done"));
         QVERIFY(probe->waitForLines(lines + 1));
@@ -309,8 +309,9 @@ void LogServiceSafetyTest::linesBehindABlockedOpenAreWrittenAfterIt()
 
 void LogServiceSafetyTest::closeGivesUpOnABlockedWrite()
 {
-    if (!canCancelThreads())
+    if (!canCancelThreads()) {
         QSKIP("cancels a thread");
+    }
     ImpatientService service;
     service.initLogService({});
     const auto deaf = addUser<DeafDevice>(service, USER);
@@ -377,8 +378,9 @@ void LogServiceSafetyTest::closeGivesUpOnABlockedOpen()
 
 void LogServiceSafetyTest::callThatWaitsIsReleasedWhenCloseGivesUp()
 {
-    if (!canCancelThreads())
+    if (!canCancelThreads()) {
         QSKIP("cancels a thread");
+    }
     ImpatientService service;
     service.initLogService({});
     const auto deaf = addUser<DeafDevice>(service, USER);
@@ -394,21 +396,24 @@ void LogServiceSafetyTest::callThatWaitsIsReleasedWhenCloseGivesUp()
 
 void LogServiceSafetyTest::nextStartAfterATerminatedWriterBeginsEmpty()
 {
-    if (!canCancelThreads())
+    if (!canCancelThreads()) {
         QSKIP("cancels a thread");
+    }
     ImpatientService service;
     service.initLogService({});
     const auto deaf = addUser<DeafDevice>(service, USER);
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         QVERIFY(log(service, 1, "old"));
+    }
     QVERIFY(deaf->waitUntilReached());
     service.closeLogger();
 
     service.initLogService({});
     const auto next = addUser(service, USER);
     next->blockWrites();
-    for (int i = 0; i < 9999; ++i)
+    for (int i = 0; i < 9999; ++i) {
         QVERIFY(log(service, 1, "new")); // all of the queue is free
+    }
     QVERIFY(!log(service, 1, "too many"));
     next->unblockWrites();
     service.closeLogger();
@@ -427,16 +432,18 @@ public:
 
     void close() override
     {
-        if (whenClosed)
+        if (whenClosed) {
             std::exchange(whenClosed, nullptr)();
+        }
         RecordingDevice::close();
     }
 
 protected:
     qint64 writeData(const char* data, qint64 size) override
     {
-        if (whenWritten)
+        if (whenWritten) {
             std::exchange(whenWritten, nullptr)();
+        }
         return RecordingDevice::writeData(data, size);
     }
 };
@@ -571,6 +578,7 @@ void LogServiceSafetyTest::usersMayBeAddedWhileLinesAreWritten()
     service.initLogService({});
     const auto device = addUser(service, USER);
     std::vector<std::future<void>> threads;
+    threads.reserve(4);
     for (int thread = 0; thread < 4; ++thread) {
         threads.push_back(inAnotherThread([&service, thread] {
             for (int i = 0; i < 15; ++i) {
@@ -579,8 +587,9 @@ void LogServiceSafetyTest::usersMayBeAddedWhileLinesAreWritten()
             }
         }));
     }
-    for (std::future<void>& thread : threads)
+    for (std::future<void>& thread : threads) {
         QVERIFY(comesToAnEnd(thread));
+    }
     service.closeLogger();
     QCOMPARE(device->lines().size(), 60);
 }

@@ -13,7 +13,6 @@
 #include <thread>
 #include <vector>
 
-using PkLogger::LoggerImpl;
 using PkLogger::LogServiceImpl;
 using Level = PkLogger::LoggerDataLogInterface::LOGLEVEL;
 
@@ -54,8 +53,9 @@ void offer(int thread, Offered& offered, const std::function<bool(const QString&
         const bool isAccepted = log(QStringLiteral("%1 %2").arg(thread).arg(number));
         offered.wasAccepted[static_cast<std::size_t>(number)] = isAccepted ? 1 : 0;
         ++(isAccepted ? offered.accepted : offered.refused);
-        if (!isAccepted)
+        if (!isAccepted) {
             std::this_thread::yield(); // so that there is something to refuse and to accept
+        }
     }
 }
 
@@ -65,11 +65,13 @@ using Found = std::vector<std::vector<int>>;
 bool readInto(Found& found, const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.open(QIODevice::ReadOnly)) {
         return false;
+    }
     const QByteArray content = file.readAll();
-    if (!content.isEmpty() && !content.endsWith('\n'))
+    if (!content.isEmpty() && !content.endsWith('\n')) {
         return false;
+    }
     QList<QByteArray> lines = content.split('\n');
     lines.removeLast();
     for (const QByteArray& line : qAsConst(lines)) {
@@ -77,8 +79,9 @@ bool readInto(Found& found, const QString& path)
         bool isNumber = false;
         const int number = words.last().toInt(&isNumber);
         const int thread = words.at(words.size() - 2).toInt();
-        if (!isNumber || thread < 0 || thread >= THREADS)
+        if (!isNumber || thread < 0 || thread >= THREADS) {
             return false;
+        }
         found[static_cast<std::size_t>(thread)].push_back(number);
     }
     return true;
@@ -90,8 +93,9 @@ class Disturber
 public:
     explicit Disturber(std::function<void(int)> disturb)
         : m_thread([this, disturb = std::move(disturb)] {
-              for (int round = 0; !m_isOver; ++round)
+              for (int round = 0; !m_isOver; ++round) {
                   disturb(round);
+              }
           })
     {
     }
@@ -168,25 +172,29 @@ void LogServiceStressTest::cleanup()
 void LogServiceStressTest::logFromAllThreads(const std::function<bool(int, const QString&)>& log)
 {
     std::vector<std::thread> threads;
+    threads.reserve(THREADS);
     for (int thread = 0; thread < THREADS; ++thread) {
         threads.emplace_back([this, thread, &log] {
             offer(thread, m_offered[static_cast<std::size_t>(thread)],
                   [thread, &log](const QString& text) { return log(thread, text); });
         });
     }
-    for (std::thread& thread : threads)
+    for (std::thread& thread : threads) {
         thread.join();
+    }
 }
 
 /** Every accepted message stands in the files once, in its thread's order, and nothing else. */
 void LogServiceStressTest::expectExactly(const QStringList& files)
 {
     Found found(THREADS);
-    for (const QString& file : files)
+    for (const QString& file : files) {
         QVERIFY2(readInto(found, path(file)), qPrintable(file));
+    }
     int total = 0;
-    for (const Offered& offered : m_offered)
+    for (const Offered& offered : m_offered) {
         total += offered.accepted;
+    }
     QVERIFY(total > 0);
     qInfo("%d of %d messages were accepted", total, THREADS * messagesOfAThread());
     for (std::size_t thread = 0; thread < THREADS; ++thread) {
@@ -194,8 +202,9 @@ void LogServiceStressTest::expectExactly(const QStringList& files)
         QCOMPARE(offered.accepted + offered.refused, messagesOfAThread());
         std::vector<int> accepted;
         for (int number = 0; number < messagesOfAThread(); ++number) {
-            if (offered.wasAccepted[static_cast<std::size_t>(number)] != 0)
+            if (offered.wasAccepted[static_cast<std::size_t>(number)] != 0) {
                 accepted.push_back(number);
+            }
         }
         QCOMPARE(static_cast<int>(accepted.size()), offered.accepted);
         QVERIFY(found[thread] == accepted);
@@ -285,9 +294,10 @@ void LogServiceStressTest::acceptedMessagesStandBesideDevicesThatComeAndGo()
     }
     m_service->closeLogger();
     expectInOrder("common");
-    for (std::size_t thread = THREADS / 2; thread < THREADS; ++thread)
+    for (std::size_t thread = THREADS / 2; thread < THREADS; ++thread) {
         m_offered[thread] = {std::vector<char>(static_cast<std::size_t>(messagesOfAThread())), 0,
                              messagesOfAThread()};
+    }
     expectExactly({"private"});
 }
 
@@ -314,31 +324,36 @@ void LogServiceStressTest::acceptedMessagesStandOverRestarts()
             m_service->getLoggerObject(name, newFile(name), QStringLiteral("'T'"), {});
             m_service->enableUserOutput(name, true);
             hasStarted = true;
-            if (round % 2 == 0)
+            if (round % 2 == 0) {
                 waitForAMessage();
+            }
             m_service->closeLogger();
         }
     });
     {
         const Disturber closer([&](int round) {
-            if (round % 100 == 0)
+            if (round % 100 == 0) {
                 m_service->enableConsoleLog(false);
+            }
             std::this_thread::yield();
         });
-        while (!hasStarted)
+        while (!hasStarted) {
             std::this_thread::yield();
+        }
         logFromAllThreads([&](int thread, const QString& text) {
             ++offeredMessages;
-            if (thread % 2 == 0)
+            if (thread % 2 == 0) {
                 return kept->logError("%s", text.toUtf8().constData());
+            }
             return m_service->logString(1, Level::LOG_INFO, text);
         });
         isOver = true;
         restarter.join();
     }
     for (const QString& file : qAsConst(files)) {
-        if (!QFile::exists(path(file))) // closed before it was opened
+        if (!QFile::exists(path(file))) { // closed before it was opened
             newFile(file)->open(QIODevice::WriteOnly);
+        }
     }
     expectExactly(files);
 }

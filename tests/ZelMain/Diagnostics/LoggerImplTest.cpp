@@ -12,7 +12,6 @@
 using PkLogger::Logger;
 using PkLogger::LoggerDataLogInterface;
 using PkLogger::LoggerImpl;
-using PkLogger::LogService;
 using PkLogger::LogServiceImpl;
 
 namespace {
@@ -235,8 +234,9 @@ void LoggerImplTest::queryNeedsLevelAndUser()
     QVERIFY(!isEnabled());
     setLevel(true);
     QVERIFY(isEnabled());
-    for (int other = 0; other < 4; ++other)
+    for (int other = 0; other < 4; ++other) {
         QCOMPARE((logger.*queries[other])(), other == level);
+    }
     m_service->enableUserOutput(USER, false);
     QVERIFY(!isEnabled());
     m_service->enableUserOutput(USER, true);

@@ -86,8 +86,9 @@ protected:
     {
         const Presence presence(*this);
         blockWhile(m_writesBlock);
-        if (m_writesFail)
+        if (m_writesFail) {
             return -1;
+        }
         const std::lock_guard guard(m_mutex);
         m_lines << QByteArray(data, static_cast<int>(size));
         m_changed.notify_all();
@@ -101,8 +102,9 @@ private:
     public:
         explicit Presence(RecordingDevice& device) : m_device(device)
         {
-            if (m_device.m_inside.fetch_add(1) > 0)
+            if (m_device.m_inside.fetch_add(1) > 0) {
                 m_device.m_wasShared = true;
+            }
         }
         ~Presence() { m_device.m_inside.fetch_sub(1); }
         Presence(const Presence&) = delete;
@@ -122,8 +124,9 @@ private:
     void blockWhile(const bool& flag)
     {
         std::unique_lock lock(m_mutex);
-        if (!flag)
+        if (!flag) {
             return;
+        }
         pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr); // it comes back, whatever happens
         ++m_blockedThreads;
         m_changed.notify_all();

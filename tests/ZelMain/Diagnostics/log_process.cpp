@@ -51,8 +51,9 @@ QSharedPointer<PkLogger::Logger> start(const QString& path)
 void log(PkLogger::Logger& logger, int from, int to)
 {
     for (int number = from; number < to; ++number) {
-        while (!logger.logError("line %d", number))
+        while (!logger.logError("line %d", number)) {
             std::this_thread::yield();
+        }
     }
 }
 
@@ -149,8 +150,9 @@ int endWithARunningThread()
             isLogging = true;
         }
     }).detach();
-    while (!isLogging)
+    while (!isLogging) {
         std::this_thread::yield();
+    }
     std::exit(EXIT_SUCCESS); // and leave the thread running
 }
 
@@ -163,15 +165,17 @@ int startFromAnExitHandler()
 /** What a forked process may do with the service before it ends; true when all went right. */
 bool useServiceInChild(PkLogger::Logger& logger, int child)
 {
-    if (logger.logError("%s", "from a child") || service()->isUserExists("PROCESS"))
+    if (logger.logError("%s", "from a child") || service()->isUserExists("PROCESS")) {
         return false;
+    }
     service()->closeLogger();
     service()->enableLogger(false);
     if (child % 2 == 0) {
         const auto own = start(QString::fromLocal8Bit(file) + ".child" + QString::number(child));
         log(*own, 0, LINES);
-        if (child % 4 == 0)
+        if (child % 4 == 0) {
             service()->closeLogger();
+        }
     }
     return true;
 }
@@ -184,19 +188,22 @@ int forkUnderLoad()
     std::atomic<bool> isOver{false};
     std::thread load([&] {
         while (!isOver) {
-            if (number < limit && logger->logError("line %d", number.load()))
+            if (number < limit && logger->logError("line %d", number.load())) {
                 ++number;
+            }
         }
     });
     int failures = 0;
     for (int child = 0; child < CHILDREN; ++child) {
         const int before = number;
         limit = before + 2 * LINES; // so many that the fork falls into the middle of them
-        while (number < before + 100)
+        while (number < before + 100) {
             std::this_thread::yield();
+        }
         const pid_t process = fork();
-        if (process == 0)
+        if (process == 0) {
             std::exit(useServiceInChild(*logger, child) ? EXIT_SUCCESS : EXIT_FAILURE);
+        }
         int status = -1;
         waitpid(process, &status, 0);
         failures += status == 0 ? 0 : 1;
@@ -219,12 +226,14 @@ int crashWhenIdle()
     withoutCoreFile();
     log(*start(file), 0, 10);
     struct stat before = {};
-    while (stat(file, &before) != 0 || before.st_size == 0) // the idle writer flushes
+    while (stat(file, &before) != 0 || before.st_size == 0) { // the idle writer flushes
         std::this_thread::yield();
+    }
     while (true) {
         QFile written(file);
-        if (written.open(QIODevice::ReadOnly) && written.readAll().count('\n') == 10)
+        if (written.open(QIODevice::ReadOnly) && written.readAll().count('\n') == 10) {
             std::abort();
+        }
     }
 }
 
@@ -234,8 +243,9 @@ int crashUnderLoad()
     const auto logger = start(file);
     std::thread([logger] { log(*logger, 0, LINES * 1000); }).detach();
     struct stat now = {};
-    while (stat(file, &now) != 0 || now.st_size < 100000)
+    while (stat(file, &now) != 0 || now.st_size < 100000) {
         std::this_thread::yield();
+    }
     std::abort();
 }
 
