@@ -96,14 +96,37 @@ void clearSwitchedOff(QDomElement const& compatFlags, CompatConfigFlags& flags)
 {
     for (QDomElement child = compatFlags.firstChildElement(); !child.isNull();
          child = child.nextSiblingElement()) {
+        const QString name = child.tagName();
         for (SpacingFlag const& spacing : SPACING_FLAGS) {
-            if (spacing.element != nullptr && child.tagName() == QLatin1String(spacing.element) &&
+            if (spacing.element != nullptr && name == QLatin1String(spacing.element) &&
                 child.text().toInt() == 0) {
                 flags &= ~CompatConfigFlags(spacing.flag);
             }
         }
     }
 }
+
+// The value of a key, a default one if the map does not have it. Keys must come in ascending order:
+// the search goes on where the last one ended, which takes a tenth of the comparisons of 10 000
+// separate searches.
+template <typename KEY, typename VALUE>
+class AscendingSearch
+{
+public:
+    explicit AscendingSearch(QMap<KEY, VALUE> const& map) : m_next(map.begin()), m_end(map.end()) {}
+
+    VALUE value(KEY const& key)
+    {
+        while (m_next != m_end && m_next.key() < key) {
+            ++m_next;
+        }
+        return m_next != m_end && !(key < m_next.key()) ? m_next.value() : VALUE();
+    }
+
+private:
+    typename QMap<KEY, VALUE>::const_iterator m_next;
+    const typename QMap<KEY, VALUE>::const_iterator m_end;
+};
 
 } // namespace
 
@@ -202,8 +225,9 @@ ConversionSteps::ProfilesByKey ConversionSteps::joinByProfileId(KeysByProfileId 
 {
     ProfilesByKey joined;
     if (keys.size() == profiles.size()) {
+        AscendingSearch search(profiles);
         for (auto entry = keys.begin(); entry != keys.end(); ++entry) {
-            joined.insert(entry.value(), profiles.value(entry.key()));
+            joined.insert(entry.value(), search.value(entry.key()));
         }
     }
     return joined;
@@ -214,14 +238,15 @@ ConversionSteps::ProfilesByKey ConversionSteps::applyFlags(FlagsByKey const& fla
 {
     ProfilesByKey applied;
     if (flags.size() == profiles.size()) {
+        AscendingSearch search(profiles);
         for (auto entry = flags.begin(); entry != flags.end(); ++entry) {
-            PkCompatProfile profile = profiles.value(entry.key());
+            PkCompatProfile profile = search.value(entry.key());
             for (SpacingFlag const& spacing : SPACING_FLAGS) {
                 if (!entry.value().testFlag(spacing.flag)) {
                     profile.*spacing.spacing = 0;
                 }
             }
-            applied.insert(entry.key(), profile);
+            applied.insert(applied.cend(), entry.key(), profile);
         }
     }
     return applied;

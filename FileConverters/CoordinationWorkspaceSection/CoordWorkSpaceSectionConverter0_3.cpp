@@ -22,6 +22,13 @@ bool looksLikeUtf16(const QString& firstLine)
     return QByteArray(firstLine.toStdString().c_str()).size() == 1;
 }
 
+// Whether an element goes because it stands right in a container that is removed.
+bool goesWith(const QDomElement& container, const QDomElement& root, const QDomElement& element)
+{
+    return !container.isNull() && element.parentNode() == container &&
+           container.parentNode() == root;
+}
+
 // "name" goes and comes again, so that it is the last of the attributes set.
 void renameProfile(QDomElement element)
 {
@@ -81,7 +88,9 @@ bool CoordWorkSpaceSectionConverter0_3::Convert(QDomDocument& document)
     root.setAttribute(QStringLiteral("version"), CURR_VERSION);
     // Profiles outside of the removed container stay, and they stay renamed.
     for (const QDomElement& profile : section->profiles) {
-        renameProfile(profile);
+        if (!goesWith(section->compatProfiles, root, profile)) {
+            renameProfile(profile);
+        }
     }
     QDomElement micChannels = section->micChannels;
     root.removeChild(section->compatProfiles);

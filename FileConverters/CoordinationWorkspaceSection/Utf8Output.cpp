@@ -61,13 +61,18 @@ char* encode(uint character, char* out)
 bool writeUtf8(const QString& text, std::ostream& stream)
 {
     std::array<char, SLICE_BYTES> slice;
+    const char* const lastRoom = slice.data() + slice.size() - MAX_CHARACTER_BYTES;
     const QChar* next = text.constBegin();
-    while (next != text.constEnd() && stream) {
+    const QChar* const end = text.constEnd();
+    while (next != end && stream) {
         char* out = slice.data();
-        while (next != text.constEnd() &&
-               slice.data() + slice.size() - out >= MAX_CHARACTER_BYTES) {
-            out = next->unicode() <= MAX_ASCII ? append((next++)->unicode(), out)
-                                               : encode(takeCharacter(next, text.constEnd()), out);
+        while (next != end && out <= lastRoom) {
+            // Nearly all of a document is ASCII.
+            if (next->unicode() <= MAX_ASCII) {
+                *out++ = static_cast<char>((next++)->unicode());
+            } else {
+                out = encode(takeCharacter(next, end), out);
+            }
         }
         stream.write(slice.data(), out - slice.data());
     }
