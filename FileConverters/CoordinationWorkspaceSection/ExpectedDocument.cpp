@@ -57,6 +57,7 @@ std::vector<QDomElement> descendants(const QDomElement& root, const char* name)
 {
     const QDomNodeList list = root.elementsByTagName(QLatin1String(name));
     std::vector<QDomElement> found;
+    found.reserve(static_cast<std::size_t>(list.size()));
     for (int i = 0; i < list.count(); ++i) {
         found.push_back(list.at(i).toElement());
     }

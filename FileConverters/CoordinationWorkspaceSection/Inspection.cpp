@@ -21,6 +21,7 @@ std::vector<QDomElement> allOf(const QDomElement& root, const QString& name)
 {
     const QDomNodeList list = root.elementsByTagName(name);
     std::vector<QDomElement> elements;
+    elements.reserve(static_cast<std::size_t>(list.size()));
     for (int i = 0; i < list.size(); ++i) {
         elements.push_back(list.item(i).toElement());
     }
@@ -248,6 +249,10 @@ std::optional<Inspection> inspectDocument(const DocumentText& text, ReadError& e
     if (!document.setContent(text.text(), &error.text, &line, &column)) {
         error.kind = QStringLiteral("not-well-formed");
         error.line = text.lineOf(text.positionOf(line, column));
+        if (!text.text().isEmpty() && !text.text().contains(QLatin1Char('<'))) {
+            error.text += QStringLiteral("; there is no \"<\" in it (a file whose first line is one"
+                                         " character long is read as UTF-16)");
+        }
         return std::nullopt;
     }
     // The first one fills the tables that verdicts go by.

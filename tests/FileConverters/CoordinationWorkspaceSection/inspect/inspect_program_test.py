@@ -213,6 +213,12 @@ class Statuses(Inspect):
         error = self.json_line(self.inspect("--json", input="<a>\n<b>\n</a>"))["error"]
         self.assertEqual((error["kind"], error["line"]), ("not-well-formed", 3))
 
+    def test_a_file_taken_for_utf16_is_told(self):
+        path = self.write("narrow.xml", "<\n" + sound()[1:])
+        error = self.json_line(self.inspect("--json", path))["error"]
+        self.assertEqual(error["kind"], "not-well-formed")
+        self.assertIn("UTF-16", error["text"])
+
     def test_a_folder_as_standard_input_has_an_error(self):
         for arguments in ((), ("--verify", "-", "x.xml"), ("--verify", self.write("s", sound()), "-")):
             folder = os.open(self.folder, os.O_RDONLY)
