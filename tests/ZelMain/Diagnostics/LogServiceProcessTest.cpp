@@ -2,6 +2,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -48,6 +49,14 @@ void LogServiceProcessTest::init()
 void LogServiceProcessTest::run(const QString& way)
 {
     QProcess process;
+#ifdef __SANITIZE_ADDRESS__
+    if (way == "fork-under-load") {
+        // In a child the leak search waits for threads of the parent and misses what they hold.
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":detect_leaks=0");
+        process.setProcessEnvironment(environment);
+    }
+#endif
     process.start(QStringLiteral(LOG_PROCESS), {way, path()});
     QVERIFY2(process.waitForFinished(120000), qPrintable(way + " does not end"));
     m_output = process.readAllStandardOutput();
