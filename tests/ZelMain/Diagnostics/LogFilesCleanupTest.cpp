@@ -43,6 +43,8 @@ private slots:
     void fileInASubfolderStays();
     void fileThatCannotBeRemovedDoesNotEndThePass();
     void linkGoesAndItsFileStays();
+    void filesFromTheFutureOfAClockSetBackStay();
+    void tenThousandFilesGoFromBetweenOthers();
 
     void emptyFolderNameIsNoFolder();
     void missingFolderIsNoFailure();
@@ -88,6 +90,10 @@ void LogFilesCleanupTest::cutOffGoesBackByCalendarMonths_data()
         << QDateTime({2024, 1, 15}, time) << 14U << QDateTime({2022, 11, 15}, time);
     QTest::newRow("shorter month ends earlier")
         << QDateTime({2023, 3, 31}, time) << 1U << QDateTime({2023, 2, 28}, time);
+    QTest::newRow("from the leap day to a month that has it")
+        << QDateTime({2024, 2, 29}, time) << 1U << QDateTime({2024, 1, 29}, time);
+    QTest::newRow("from the leap day to a year without one")
+        << QDateTime({2024, 2, 29}, time) << 12U << QDateTime({2023, 2, 28}, time);
     QTest::newRow("leap year") << QDateTime({2024, 3, 30}, time) << 1U
                                << QDateTime({2024, 2, 29}, time);
 }
@@ -292,6 +298,37 @@ void LogFilesCleanupTest::linkGoesAndItsFileStays()
     QVERIFY(QFile::link(path("elsewhere"), path("ZelLogFile.txt")));
     PkLogger::removeLogFiles(m_folder->path(), "ZelLogFile", tomorrow());
     QCOMPARE(namesLeft(), QStringList("elsewhere"));
+}
+
+void LogFilesCleanupTest::filesFromTheFutureOfAClockSetBackStay()
+{
+    makeFile("ZelLogFile.txt");
+    // The clock says a year ago: the file is younger than anything can be.
+    const QDateTime now = QDateTime::currentDateTime().addYears(-1);
+    PkLogger::removeLogFiles(m_folder->path(), "ZelLogFile", PkLogger::cleanupCutOff(now, 1));
+    QCOMPARE(namesLeft(), QStringList("ZelLogFile.txt"));
+    // Set right again, it goes when its month is over.
+    const QDateTime later = QDateTime::currentDateTime().addDays(40);
+    PkLogger::removeLogFiles(m_folder->path(), "ZelLogFile", PkLogger::cleanupCutOff(later, 1));
+    QCOMPARE(namesLeft(), QStringList());
+}
+
+void LogFilesCleanupTest::tenThousandFilesGoFromBetweenOthers()
+{
+    constexpr int COUNT = 10000;
+    QStringList others;
+    for (int i = 0; i < COUNT; ++i) {
+        makeFile(QStringLiteral("%1 ZelLogFile.txt").arg(i));
+        if (i % 100 == 0) {
+            others << QStringLiteral("%1 notes.txt").arg(i);
+            makeFile(others.last());
+        }
+    }
+    PkLogger::removeLogFiles(m_folder->path(), "ZelLogFile", tomorrow());
+    others.sort();
+    QStringList left = namesLeft();
+    left.sort();
+    QCOMPARE(left, others);
 }
 
 void LogFilesCleanupTest::emptyFolderNameIsNoFolder()
