@@ -319,7 +319,7 @@ void InspectionTest::everythingThatIsLostIsFound_data()
         {"unread-element 10 " + PROFILES + "/note"});
     row("element in a channel stays", {{"<compat_prof_id>", "<frequency/><compat_prof_id>"}}, {},
         {}, Inspection::CONVERT);
-    row("attribute of a profile", {{"name=\"median\"", "name=\"median\" colour=\"red\""}},
+    row("attribute of a profile", {{R"(name="median")", R"(name="median" colour="red")"}},
         {"unread-attribute 12 " + profile2 + "/@colour"});
     row("another unit", {{"freq_units=\"KHz\"", "freq_units=\"MHz\""}},
         {"unread-attribute 11 " + profile1 + "/spacing/@freq_units"});
@@ -363,11 +363,11 @@ void InspectionTest::everythingThatIsLostIsFound_data()
         {{"<imd_2t5o>0</imd_2t5o>", "<imd_2t5o>1</imd_2t5o><imd_2t5o>0</imd_2t5o>"}},
         {"value-replaced 7 " + config1 + "/compat_flags/imd_2t5o[1]"});
     row("another version of the profile",
-        {{"name=\"median\"", "name=\"median\" version=\"0.0.0.2\""}},
+        {{R"(name="median")", R"(name="median" version="0.0.0.2")"}},
         {"value-replaced 12 " + profile2 + "/@version"});
     row("the one version of the profile",
-        {{"name=\"median\"", "name=\"median\" version=\"0.0.0.1\""}}, {}, {}, Inspection::CONVERT);
-    row("a truth of 2", {{"name=\"median\"", "name=\"median\" imd_source=\"2\""}},
+        {{R"(name="median")", R"(name="median" version="0.0.0.1")"}}, {}, {}, Inspection::CONVERT);
+    row("a truth of 2", {{R"(name="median")", R"(name="median" imd_source="2")"}},
         {"value-replaced 12 " + profile2 + "/@imd_source"});
     row("a wrong count", {{"count=\"1\"", "count=\"3\""}},
         {"value-replaced 13 " + filter + "/filter_center_list/@count"});
@@ -383,7 +383,7 @@ void InspectionTest::everythingThatIsLostIsFound_data()
         {"number-unreadable 11 " + profile1 + "/spacing/ch_ch"});
     row("a spacing with blanks and a sign", {{"350", " +350 "}}, {}, {}, Inspection::CONVERT);
     row("a truth that is no number",
-        {{"name=\"median\"", "name=\"median\" synthesizable=\"true\""}},
+        {{R"(name="median")", R"(name="median" synthesizable="true")"}},
         {"number-unreadable 12 " + profile2 + "/@synthesizable"});
     row("a filter type that is no number", {{"type=\"2\"", "type=\"list\""}},
         {"number-unreadable 12 " + filter + "/@type",
@@ -409,7 +409,7 @@ void InspectionTest::everythingThatIsLostIsFound_data()
     row("a character that no document may hold", {{"<level>1", "<level>&#1;"}},
         {"invalid-character 15 /coordinated_data_root/compatibility_levels/level"});
     row("an attribute that no document may hold",
-        {{"version=\"0.2\"", "version=\"0.2\" x=\"&#2;\""}},
+        {{R"(version="0.2")", R"(version="0.2" x="&#2;")"}},
         {"invalid-character 1 /coordinated_data_root/@x"});
 
     // By design.

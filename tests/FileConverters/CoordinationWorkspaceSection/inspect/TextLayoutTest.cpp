@@ -44,8 +44,12 @@ void TextLayoutTest::columnsOfATableStandUnderEachOther()
 
 void TextLayoutTest::whatSteersATerminalIsReplaced()
 {
-    QCOMPARE(TextLayout::printable(QString::fromUtf8("a\x1b[1m\n\u0085\u202e\u2067é")),
-             QString::fromUtf8("a\ufffd[1m\ufffd\ufffd\ufffd\ufffdé"));
+    for (const int code : {0x00, 0x0A, 0x1B, 0x7F, 0x85, 0x202A, 0x202E, 0x2066, 0x2069}) {
+        QCOMPARE(TextLayout::printable(QStringLiteral("a%1é").arg(QChar(code))),
+                 QString::fromUtf8("a\ufffdé"));
+    }
+    QCOMPARE(TextLayout::printable(QStringLiteral("Große Bühne 森 →")),
+             QStringLiteral("Große Bühne 森 →"));
 }
 
 QTEST_GUILESS_MAIN(TextLayoutTest)
