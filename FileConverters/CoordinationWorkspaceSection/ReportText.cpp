@@ -140,6 +140,10 @@ void addSummary(const Inspection& inspection, Lines& lines)
         rows.append({QStringLiteral("Systems in the new element"),
                      QString::number(inspection.systems.size())});
     }
+    if (!inspection.systems.empty()) {
+        rows.append({QStringLiteral("Spacings"),
+                     QStringLiteral("in kHz, before → after where they change")});
+    }
     lines.addTable(rows, {TextLayout::LEFT, TextLayout::LEFT}, false);
 }
 
