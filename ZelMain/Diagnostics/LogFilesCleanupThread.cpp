@@ -18,6 +18,9 @@ LogFilesCleanupThread::LogFilesCleanupThread(QObject* parent) : QThread(parent) 
 
 void LogFilesCleanupThread::run()
 {
+    // Listing and removing files may not be broken off: terminated inside a destructor that closes
+    // a folder, the thread would take the process with it.
+    setTerminationEnabled(false);
     removeLogFiles(m_folder, m_baseFileName, cleanupCutOff(QDateTime::currentDateTime(), m_months));
     tellSanitizerOfRelease(this);
 }

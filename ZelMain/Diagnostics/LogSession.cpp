@@ -15,6 +15,22 @@ constexpr QIODevice::OpenMode OPEN_MODE = QIODevice::WriteOnly | QIODevice::Text
 // for the next message some 50 µs before it sleeps.
 constexpr int LOOKS_BEFORE_SLEEP = 100;
 
+/** Opens to this file what Qt keeps for a thread's own code, which the writer's is. */
+struct OwnThread : QThread
+{
+    using QThread::setTerminationEnabled;
+};
+
+/** While it lives, the writer may be terminated: it is inside a device, which may never return. */
+class TerminationPoint
+{
+public:
+    TerminationPoint() { OwnThread::setTerminationEnabled(true); }
+    ~TerminationPoint() { OwnThread::setTerminationEnabled(false); }
+    TerminationPoint(const TerminationPoint&) = delete;
+    TerminationPoint& operator=(const TerminationPoint&) = delete;
+};
+
 } // namespace
 
 LogSession::LogSession()
@@ -73,7 +89,10 @@ bool LogSession::writeTo(QIODevice* device, const LogLine::Text& text)
     if (!gate.use(device)) {
         return false;
     }
-    device->write(text.data, text.size); // what fails is lost, silently
+    {
+        const TerminationPoint point;
+        device->write(text.data, text.size); // what fails is lost, silently
+    }
     if (std::find(m_unflushed.begin(), m_unflushed.end(), device) == m_unflushed.end()) {
         m_unflushed.push_back(device);
     }
@@ -97,6 +116,7 @@ bool LogSession::flushDevices()
         if (!gate.use(file)) {
             return false;
         }
+        const TerminationPoint point;
         file->flush();
     }
     m_unflushed.clear();

@@ -9,6 +9,9 @@ LoggerWriterThread::LoggerWriterThread(LoggerDataAccessInterface* source) : m_so
 
 void LoggerWriterThread::run()
 {
+    // A thread that is terminated where nothing may throw takes the process with it. So this one
+    // can be torn from a device only; see where lines are written.
+    setTerminationEnabled(false);
     while (m_source->writeData()) {
     }
     tellSanitizerOfRelease(this);

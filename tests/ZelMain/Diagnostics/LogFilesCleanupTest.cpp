@@ -164,9 +164,7 @@ void LogFilesCleanupTest::birthIsTheTimeOfCreation()
 {
     makeFile("ZelLogFile.txt");
     const QDateTime birth = QFileInfo(path("ZelLogFile.txt")).birthTime();
-    if (!birth.isValid()) {
-        QSKIP("The file system of the temporary folder keeps no birth times.");
-    }
+    QVERIFY2(birth.isValid(), "The temporary folder is on a file system without birth times.");
     // A change of the content's time, as by a log writer, and of the status, as by a copying tool.
     QTRY_VERIFY(QDateTime::currentDateTime() > birth.addMSecs(20));
     QFile file(path("ZelLogFile.txt"));
@@ -183,9 +181,8 @@ void LogFilesCleanupTest::birthIsTheTimeOfCreation()
 void LogFilesCleanupTest::statusChangeStandsInForAMissingBirth()
 {
     const QFileInfo file("/proc/self/status"); // processes' files have no birth time
-    if (!file.exists() || file.birthTime().isValid()) {
-        QSKIP("No file without a birth time at hand.");
-    }
+    QVERIFY(file.exists());
+    QVERIFY(!file.birthTime().isValid());
     QVERIFY(file.metadataChangeTime().isValid());
     QCOMPARE(PkLogger::creationTime(file), file.metadataChangeTime());
 }
