@@ -312,8 +312,9 @@ void LogServiceStressTest::acceptedMessagesStandOverRestarts()
     // One message of each thread may be under way already when the service opens.
     const auto waitForAMessage = [&] {
         const int enough = offeredMessages + static_cast<int>(THREADS) + 1;
-        while (!isOver && offeredMessages < enough)
+        while (!isOver && offeredMessages < enough) {
             std::this_thread::yield();
+        }
     };
     std::thread restarter([&] {
         for (int round = 0; !isOver || round < restarts(); ++round) {
