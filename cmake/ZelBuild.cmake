@@ -33,6 +33,9 @@ if(ZEL_WARNINGS)
     # destroy them, in Qt's own headers, which no pragma of ours reaches; gcc warns of real deletes.
     target_compile_options(zel_build_settings INTERFACE
         $<$<CXX_COMPILER_ID:Clang>:-Wno-delete-non-abstract-non-virtual-dtor>)
+    # Qt's QSKIP leaves out the arguments of a variadic macro, which clang takes for ours.
+    target_compile_options(zel_build_settings INTERFACE
+        $<$<CXX_COMPILER_ID:Clang>:-Wno-gnu-zero-variadic-macro-arguments>)
 endif()
 
 if(ZEL_HARDENING)
