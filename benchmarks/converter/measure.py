@@ -21,7 +21,7 @@ sys.path.insert(0, str(TESTS))
 import measuring  # noqa: E402
 import workspaces  # noqa: E402
 
-ROUNDS = {10: 101, 1000: 31, 10_000: 9, 50_000: 5}
+ROUNDS = {10: 301, 1000: 31, 10_000: 9, 50_000: 5}
 SMALL_BAR, LARGE_BAR, LARGE_FROM = 1.05, 1.40, 1000
 MEMORY_BAR = 1.00
 GROWTH_BAR = 11.0

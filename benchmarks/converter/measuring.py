@@ -1,6 +1,7 @@
 """Runs programs one after the other and reads off what they took."""
 
 import os
+import random
 import resource
 import statistics
 
@@ -26,11 +27,18 @@ def taken(arguments):
 
 
 def medians(programs, rounds):
-    """The medians of seconds and of KiB for each program, by name; the programs take turns."""
+    """The medians of seconds and of KiB for each program, by name.
+
+    The programs take turns in an order drawn anew each time: what ran before leaves its traces in
+    the processor's caches, and a program always behind a large one would pay for it.
+    """
+    turns = random.Random(rounds)
+    order = list(programs.items())
     seconds = {name: [] for name in programs}
     memory = {name: [] for name in programs}
     for _ in range(rounds):
-        for name, arguments in programs.items():
+        turns.shuffle(order)
+        for name, arguments in order:
             run_seconds, run_memory = taken(arguments)
             seconds[name].append(run_seconds)
             memory[name].append(run_memory)
