@@ -69,6 +69,16 @@ void DocumentTree::addAll(const QDomDocument& document)
         }
         dom = next;
     }
+    addDocumentType(document.doctype());
+}
+
+// To Qt it is no child of the document.
+void DocumentTree::addDocumentType(const QDomDocumentType& type)
+{
+    if (!type.name().isEmpty()) {
+        m_nodes.front().children.push_back(static_cast<int>(m_nodes.size()));
+        m_nodes.push_back({type, false});
+    }
 }
 
 QByteArray DocumentTree::keyOf(const Node& node) const

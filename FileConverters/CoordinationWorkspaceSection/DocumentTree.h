@@ -9,6 +9,7 @@
 #include <vector>
 
 class QDomDocument;
+class QDomDocumentType;
 
 /**
  * A document's nodes in an array, with a number for the content of each: nodes with all that is
@@ -48,7 +49,8 @@ public:
 
 private:
     void addAll(const QDomDocument& document);
+    void addDocumentType(const QDomDocumentType& type);
     QByteArray keyOf(const Node& node) const;
 
-    std::vector<Node> m_nodes; // in document order
+    std::vector<Node> m_nodes; // in document order, the document type last
 };

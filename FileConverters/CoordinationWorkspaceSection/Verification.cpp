@@ -60,7 +60,7 @@ private:
             return;
         }
         add(m_actual, actual,
-            QStringLiteral("It is %1 and should be %2.")
+            QStringLiteral("%1 stands here instead of this: %2.")
                 .arg(m_actual.describe(actual), m_expected.describe(expected)));
     }
 

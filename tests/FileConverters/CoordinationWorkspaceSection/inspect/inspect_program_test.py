@@ -202,6 +202,16 @@ class Statuses(Inspect):
             self.assertEqual([report["document"] for report in reports],
                              [str(document) for document in documents])
 
+    def test_reports_of_several_stand_apart(self):
+        good = self.write("good.xml", sound())
+        alone = self.inspect(good).stdout
+        self.assertEqual(self.inspect(good, good).stdout, alone + b"\n" + alone)
+
+    def test_a_section_without_a_version_or_systems_is_told(self):
+        empty = self.write("empty.xml", "<coordinated_data_root><mic_channels/></coordinated_data_root>")
+        self.assertIn(b"without a version", self.inspect(empty).stdout)
+        self.assertNotIn(b"Zone", self.inspect(empty).stdout)
+
     def test_what_cannot_be_read_has_an_error(self):
         folder = self.folder / "folder"
         folder.mkdir()
@@ -329,7 +339,30 @@ class Verification(Inspect):
             ("not-readable", sound(), self.folder / "none.xml"),
         ):
             run = self.inspect("--json", "--verify", self.write("before.xml", before), after)
-            self.assertEqual((run.returncode, self.json_line(run)["error"]["kind"]), (1, kind))
+            error = self.json_line(run)["error"]
+            self.assertEqual((run.returncode, error["kind"]), (1, kind))
+            told = self.inspect("--verify", self.folder / "before.xml", after).stdout.decode()
+            self.assertIn(error["text"], told)
+
+    def test_declarations_and_instructions_are_content(self):
+        def document(prolog, inside):
+            return sound().replace("<coordinated", prolog + "<coordinated").replace(
+                "</mic_channels>", "</mic_channels>" + inside)
+
+        for before, after, path in (
+            (("<!DOCTYPE r SYSTEM 'x'>", ""), ("<!DOCTYPE r SYSTEM 'y'>", ""), "/"),
+            (("<!DOCTYPE r>", ""), ("", ""), "/"),
+            (("", "<?show a?>"), ("", "<?show b?>"), "/coordinated_data_root"),
+            (("", "<show/>"), ("", "<?show?>"), "/coordinated_data_root"),
+        ):
+            with self.subTest(before=before, after=after):
+                original = self.write("before.xml", document(*before))
+                wrong = self.convert(self.write("wrong.xml", document(*after)))
+                run = self.inspect("--json", "--verify", original, self.write("wrong.xml", wrong))
+                differences = self.json_line(run)["differences"]
+                self.assertEqual(run.returncode, 2)
+                self.assertEqual({d["kind"] for d in differences}, {"content"})
+                self.assertEqual({d["path"] for d in differences}, {path})
 
 
 class Forms(Inspect):
