@@ -120,7 +120,8 @@ public:
         while (m_next != m_end && m_next.key() < key) {
             ++m_next;
         }
-        return m_next != m_end && !(key < m_next.key()) ? m_next.value() : VALUE();
+        const bool isFound = m_next != m_end && !(key < m_next.key());
+        return isFound ? m_next.value() : VALUE();
     }
 
 private:

@@ -80,7 +80,10 @@ std::optional<DocumentText> DocumentText::ofOutput(QFile& file)
         QTextCodec::codecForName("UTF-8")->toUnicode(bytes.constData(), bytes.size(), &state);
     const bool isUtf8 = state.invalidChars == 0 && state.remainingChars == 0;
     const bool isWhole = file.error() == QFileDevice::NoError;
-    return isUtf8 && isWhole ? std::optional(DocumentText(text, {})) : std::nullopt;
+    if (!isUtf8 || !isWhole) {
+        return std::nullopt;
+    }
+    return DocumentText(text, {});
 }
 
 QString DocumentText::withLineFeeds() const

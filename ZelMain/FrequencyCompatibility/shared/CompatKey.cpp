@@ -92,7 +92,7 @@ bool BasicCompatSystemUniqueKey::FromString(std::string const& text)
     if (second != NONE) {
         txProfile = text.substr(after(second));
     }
-    if (series.empty() || band.empty()) {
+    if (band.empty()) {
         Reset();
         return false;
     }

@@ -73,6 +73,7 @@ private slots:
     void existingUserKeepsItsDevice();
     void privateDeviceIsWrittenWithoutAskingWhetherItIsOpen();
     void lineGoesToThePrivateDeviceAlone();
+    void millisecondsInFrontAreExact();
 
     void commonDevicesFollowLoggerAndConsole_data();
     void commonDevicesFollowLoggerAndConsole();
@@ -470,6 +471,35 @@ void LogServiceImplTest::lineGoesToThePrivateDeviceAlone()
     QCOMPARE(messages(*common), QStringList{"common"});
     QCOMPARE(own->lines().size(), 1);
     QVERIFY(own->text().endsWith(" own\n"));
+}
+
+// Moments are shared within a hundredth of a second, but not where that could be seen.
+void LogServiceImplTest::millisecondsInFrontAreExact()
+{
+    constexpr int LINES = 30;
+    const QString format = QStringLiteral("zzz dd.MM.yyyy hh:mm:ss");
+    const auto device = newDevice();
+    m_service->getLoggerObject(USER, device, format, {});
+    m_service->enableUserOutput(USER, true);
+    std::vector<std::pair<QDateTime, QDateTime>> bounds;
+    for (int line = 0; line < LINES; ++line) {
+        const QDateTime before = QDateTime::currentDateTime();
+        while (QDateTime::currentDateTime() == before) {
+            // until the next millisecond
+        }
+        const QDateTime start = QDateTime::currentDateTime();
+        QVERIFY(m_service->logString(1, Level::LOG_INFO, QStringLiteral("x")));
+        bounds.emplace_back(start, QDateTime::currentDateTime());
+    }
+    m_service->closeLogger();
+    const QList<QByteArray> lines = device->text().split('\n');
+    QCOMPARE(lines.size(), LINES + 1);
+    auto line = lines.begin();
+    for (const auto& [earliest, latest] : bounds) {
+        const QString text = QString::fromUtf8(*line++).section(QStringLiteral(" x"), 0, 0);
+        const QDateTime time = QDateTime::fromString(text, format);
+        QVERIFY2(earliest <= time && time <= latest, qPrintable(text));
+    }
 }
 
 void LogServiceImplTest::commonDevicesFollowLoggerAndConsole_data()

@@ -459,6 +459,9 @@ void InspectionTest::standardInputLosesLineBreaks_data()
     QTest::newRow("in a CDATA section")
         << Edits{{"<level>1", "<level><![CDATA[a\nb]]>"}}
         << QStringList{"line-break 15 /coordinated_data_root/compatibility_levels/level"};
+    QTest::newRow("that is all of a CDATA section")
+        << Edits{{"<level>1", "<level><![CDATA[\n]]>"}}
+        << QStringList{"line-break 15 /coordinated_data_root/compatibility_levels/level"};
     QTest::newRow("in an attribute, with a loss behind it")
         << Edits{{"version=\"0.2\"", "version=\"0.2\" show=\"A\nB\""},
                  {"name=\"median\"", "name=\"Median\""}}
@@ -472,6 +475,16 @@ void InspectionTest::standardInputLosesLineBreaks_data()
     QTest::newRow("of two characters")
         << Edits{{"<level>1", "<level>one\r\ntwo"}, {" <compat_configs>", "\r\n <compat_configs>"}}
         << QStringList{"line-break 16 /coordinated_data_root/compatibility_levels/level"};
+    // Without the line break the instruction ends earlier, and what was its data is content.
+    QTest::newRow("that kept an instruction open in front of a text")
+        << Edits{{"<level>1", "<level><?keep ?\n><b/>?>1"}}
+        << QStringList{"line-break 15 /coordinated_data_root/compatibility_levels/level"};
+    QTest::newRow("that kept an instruction open in front of an element")
+        << Edits{{"<level>1", "<level><?keep ?\n><b/>?><c/>1"}}
+        << QStringList{"line-break 15 /coordinated_data_root/compatibility_levels/level"};
+    QTest::newRow("that kept an instruction open where nothing follows")
+        << Edits{{"<level>1", "<level><x><?keep ?\n><b/>?></x>1"}}
+        << QStringList{"line-break 15 /coordinated_data_root/compatibility_levels/level/x"};
     QTest::newRow("that made a comment of what is none")
         << Edits{{"<level>1", "<!\n-- --><level>1"}}
         << QStringList{"line-break 1 /coordinated_data_root"};
