@@ -58,6 +58,11 @@ bool ProcessSetup::isTerminal()
     return isatty(STDOUT_FILENO) != 0;
 }
 
+bool ProcessSetup::isErrorTerminal()
+{
+    return isatty(STDERR_FILENO) != 0;
+}
+
 #else
 
 void ProcessSetup::raiseStackLimit() {}
@@ -65,6 +70,11 @@ void ProcessSetup::raiseStackLimit() {}
 void ProcessSetup::reportWriteFailuresAsErrors() {}
 
 bool ProcessSetup::isTerminal()
+{
+    return false;
+}
+
+bool ProcessSetup::isErrorTerminal()
 {
     return false;
 }

@@ -40,4 +40,7 @@ void shutOutTheEnvironment();
 /** Whether a person sees what goes to standard output. */
 bool isTerminal();
 
+/** Whether a person sees what goes to standard error. */
+bool isErrorTerminal();
+
 } // namespace ProcessSetup

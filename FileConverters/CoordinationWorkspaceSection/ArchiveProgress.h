@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QString>
+
+/**
+ * Tells on standard error how far a run is: in place, with the time left, for a person at a
+ * terminal, else in a line each ten seconds.
+ */
+class ArchiveProgress
+{
+public:
+    /**
+     * @param bytes  of all the documents; time goes by them rather than by their number.
+     */
+    ArchiveProgress(int documents, qint64 bytes, bool isTerminal);
+
+    /** One more document is done. */
+    void advance(qint64 bytes);
+
+    /** Shows it when it is time to. */
+    void show();
+
+    /** Takes away what was shown in place. */
+    void clear();
+
+    /** What is told after so many milliseconds. */
+    QString textAfter(qint64 milliseconds) const;
+
+private:
+    const int m_documents;
+    const qint64 m_bytes;
+    const bool m_isTerminal;
+    int m_documentsDone = 0;
+    qint64 m_bytesDone = 0;
+    qint64 m_nextShow;
+    QElapsedTimer m_timer;
+};

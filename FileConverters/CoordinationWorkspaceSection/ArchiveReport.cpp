@@ -1,0 +1,108 @@
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveReport.h"
+
+#include "FileConverters/CoordinationWorkspaceSection/AtomicFile.h"
+#include "FileConverters/CoordinationWorkspaceSection/StableStorage.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr mode_t NEW_FILE_MODE = 0666; // less the user's mask
+
+// A record's keys come out in the order of their names.
+const QByteArray BEGIN = "{\"format\":";
+
+bool endsInsideALine(int descriptor)
+{
+    char last = '\n';
+    const off_t size = lseek(descriptor, 0, SEEK_END);
+    return size > 0 && pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
+}
+
+} // namespace
+
+ArchiveReport::Records ArchiveReport::read(const QString& file)
+{
+    Records records;
+    QFile report(file);
+    if (report.open(QIODevice::ReadOnly)) {
+        while (!report.atEnd()) {
+            if (const auto record = DocumentRecord::fromLine(report.readLine())) {
+                records.insert(record->path, *record);
+            }
+        }
+    }
+    return records;
+}
+
+bool ArchiveReport::mayStandIn(const QString& file)
+{
+    const QFileInfo info(file);
+    QFile report(file);
+    if (!info.exists()) {
+        return QFileInfo(info.absolutePath()).isDir();
+    }
+    if (!info.isFile() || !report.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    // A killed run may have left no more than a piece of the first line.
+    const QByteArray begin = report.read(BEGIN.size());
+    return BEGIN.startsWith(begin);
+}
+
+bool ArchiveReport::append(const QString& file, const std::vector<DocumentRecord>& records)
+{
+    QByteArray lines;
+    for (const DocumentRecord& record : records) {
+        lines += record.toLine();
+    }
+    const int descriptor = open(QFile::encodeName(file).constData(),
+                                O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, NEW_FILE_MODE);
+    if (descriptor < 0) {
+        return false;
+    }
+    // Its own lock, which goes with the descriptor: lines of two workers must not mix.
+    flock(descriptor, LOCK_EX);
+    const bool isNew = lseek(descriptor, 0, SEEK_END) == 0;
+    if (endsInsideALine(descriptor)) {
+        lines.prepend('\n');
+    }
+    const bool isWritten = StableStorage::writeAll(descriptor, lines) &&
+                           StableStorage::syncFile(descriptor) &&
+                           (!isNew || StableStorage::syncFolder(QFileInfo(file).absolutePath()));
+    const int error = errno;
+    close(descriptor);
+    errno = error;
+    return isWritten;
+}
+
+bool ArchiveReport::replace(const QString& file, const Records& records)
+{
+    QByteArray lines;
+    for (const DocumentRecord& record : records) {
+        lines += record.toLine();
+    }
+    QFile report(file);
+    if (report.open(QIODevice::ReadOnly) && report.readAll() == lines) {
+        return true;
+    }
+    const QFileInfo info(file);
+    const std::unique_ptr<AtomicFile> part =
+        AtomicFile::begin(info.absolutePath(), info.fileName());
+    if (!part) {
+        return false;
+    }
+    QFile output(part->partPath());
+    if (!output.open(QIODevice::WriteOnly) || output.write(lines) != lines.size() ||
+        !output.flush()) {
+        return false;
+    }
+    return part->finish() && part->commit(true) && StableStorage::syncFolder(part->folder());
+}

@@ -1,0 +1,57 @@
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveSettings.h"
+
+#include <QJsonObject>
+
+namespace {
+
+constexpr qint64 MEGABYTE = 1000000;
+constexpr qint64 BASE_MILLISECONDS = 10000;
+constexpr qint64 MILLISECONDS_PER_MEGABYTE = 1000;
+constexpr qint64 BASE_MEMORY = 256 * MEGABYTE;
+constexpr qint64 MEMORY_PER_BYTE = 64;
+
+QJsonValue valueOf(const std::optional<qint64>& number)
+{
+    return number ? QJsonValue(*number) : QJsonValue(QJsonValue::Null);
+}
+
+std::optional<qint64> numberFrom(const QJsonValue& value)
+{
+    return value.isDouble() ? std::optional(static_cast<qint64>(value.toDouble())) : std::nullopt;
+}
+
+} // namespace
+
+ProcessLimits ArchiveSettings::limitsFor(qint64 size) const
+{
+    return {memoryBytes.value_or(BASE_MEMORY + MEMORY_PER_BYTE * size),
+            milliseconds.value_or(BASE_MILLISECONDS + MILLISECONDS_PER_MEGABYTE * size / MEGABYTE)};
+}
+
+QJsonObject ArchiveSettings::toJson() const
+{
+    return {{"source", source},
+            {"target", target},
+            {"report", report},
+            {"converter", converter},
+            {"staging", staging},
+            {"milliseconds", valueOf(milliseconds)},
+            {"memoryBytes", valueOf(memoryBytes)},
+            {"onlyClean", onlyClean},
+            {"verifies", verifies}};
+}
+
+ArchiveSettings ArchiveSettings::fromJson(const QJsonObject& object)
+{
+    ArchiveSettings settings;
+    settings.source = object["source"].toString();
+    settings.target = object["target"].toString();
+    settings.report = object["report"].toString();
+    settings.converter = object["converter"].toString();
+    settings.staging = object["staging"].toString();
+    settings.milliseconds = numberFrom(object["milliseconds"]);
+    settings.memoryBytes = numberFrom(object["memoryBytes"]);
+    settings.onlyClean = object["onlyClean"].toBool();
+    settings.verifies = object["verifies"].toBool();
+    return settings;
+}

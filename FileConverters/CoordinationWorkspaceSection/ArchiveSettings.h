@@ -1,0 +1,41 @@
+#pragma once
+
+#include "FileConverters/CoordinationWorkspaceSection/ProcessLimits.h"
+
+#include <QString>
+
+#include <optional>
+
+class QJsonObject;
+
+/** How the documents of an archive are converted. */
+struct ArchiveSettings
+{
+    QString source;    ///< the archive's folder, absolute
+    QString target;    ///< where converted documents stand, absolute
+    QString report;    ///< the report's file; empty when none is written
+    QString converter; ///< the program that converts one document
+    QString staging;   ///< where outputs are written for a trial; empty when they are to stand
+    std::optional<qint64>
+        milliseconds;                  ///< for each document; 0 for no limit; by default its size's
+    std::optional<qint64> memoryBytes; ///< for each document; 0 for no limit; by default its size's
+    bool onlyClean = false;
+    bool verifies = false;
+
+    /** Whether nothing is to be written where it would stand. */
+    bool isTrial() const { return !staging.isEmpty(); }
+
+    /** What a document of @p size bytes may take. */
+    ProcessLimits limitsFor(qint64 size) const;
+
+    QJsonObject toJson() const;
+    static ArchiveSettings fromJson(const QJsonObject& object);
+
+    /** The folder of a run's own files in the target. */
+    QString folder() const { return target + QLatin1Char('/') + FOLDER; }
+
+    /** What will stand when the report tells it; the lines that it gets then. */
+    QString pendingReport() const { return folder() + QStringLiteral("/pending.jsonl"); }
+
+    static inline const QString FOLDER = QStringLiteral(".coordworkspace");
+};

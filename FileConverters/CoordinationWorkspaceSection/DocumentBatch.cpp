@@ -1,0 +1,66 @@
+#include "FileConverters/CoordinationWorkspaceSection/DocumentBatch.h"
+
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveReport.h"
+#include "FileConverters/CoordinationWorkspaceSection/DocumentJob.h"
+#include "FileConverters/CoordinationWorkspaceSection/StableStorage.h"
+
+#include <QSet>
+
+#include <list>
+
+namespace {
+
+using Jobs = std::list<DocumentJob>;
+
+std::vector<DocumentRecord> recordsOf(const Jobs& jobs, bool onlyWithOutput)
+{
+    std::vector<DocumentRecord> records;
+    for (const DocumentJob& job : jobs) {
+        if (!onlyWithOutput || !job.outputFolder().isEmpty()) {
+            records.push_back(job.record());
+        }
+    }
+    return records;
+}
+
+void commitAll(Jobs& jobs)
+{
+    for (DocumentJob& job : jobs) {
+        job.commit();
+    }
+    QSet<QString> synced;
+    for (DocumentJob& job : jobs) {
+        const QString folder = job.outputFolder();
+        if (folder.isEmpty() || synced.contains(folder)) {
+            continue;
+        }
+        if (StableStorage::syncFolder(folder)) {
+            synced.insert(folder);
+        } else {
+            job.failToWrite();
+        }
+    }
+}
+
+} // namespace
+
+std::vector<DocumentRecord> convertBatch(const ArchiveSettings& settings,
+                                         const std::vector<PlannedDocument>& documents)
+{
+    Jobs jobs;
+    for (const PlannedDocument& document : documents) {
+        jobs.emplace_back(settings, document);
+        jobs.back().run();
+    }
+    if (settings.isTrial()) {
+        return recordsOf(jobs, false);
+    }
+    const std::vector<DocumentRecord> pending = recordsOf(jobs, true);
+    if (!pending.empty() && !ArchiveReport::append(settings.pendingReport(), pending)) {
+        return {};
+    }
+    commitAll(jobs);
+    const std::vector<DocumentRecord> records = recordsOf(jobs, false);
+    return ArchiveReport::append(settings.report, records) ? records
+                                                           : std::vector<DocumentRecord>();
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include "FileConverters/CoordinationWorkspaceSection/ArchivePlan.h"
+#include "FileConverters/CoordinationWorkspaceSection/AtomicFile.h"
+#include "FileConverters/CoordinationWorkspaceSection/DocumentRecord.h"
+
+#include <QDeadlineTimer>
+#include <QFileInfo>
+
+#include <memory>
+
+/**
+ * The work on one document of an archive: hash, inspect, convert, verify, write.
+ *
+ * What reads the document as XML runs in processes of its own, within the document's limits.
+ */
+class DocumentJob
+{
+public:
+    /** @param settings  must outlive this. */
+    DocumentJob(const ArchiveSettings& settings, const PlannedDocument& document);
+
+    /** Does all the work but the last step, which is to give the output its name. */
+    void run();
+
+    /** Gives the output its name, where there is one. Its folder still has to be synced. */
+    void commit();
+
+    const DocumentRecord& record() const { return m_record; }
+
+    /** The folder of the output; empty when there is none. */
+    QString outputFolder() const { return m_output ? m_output->folder() : QString(); }
+
+    /** What the record tells when the output could not be written; by errno. */
+    void failToWrite();
+
+    /**
+     * Whether the file begins as XML does, in any encoding: a byte-order mark or not, blanks or
+     * not, then "<".
+     */
+    static bool beginsLikeXml(const QString& path);
+
+private:
+    bool identify();
+    bool inspect();
+    bool write();
+    bool convertInto(const AtomicFile& output);
+    bool copyInto(const AtomicFile& output);
+    bool verify(const AtomicFile& output);
+    bool isUnchanged();
+    ProcessLimits remainingLimits() const;
+    bool end(DocumentRecord::Outcome outcome, const char* reason, const QString& text);
+
+    const ArchiveSettings& m_settings;
+    const PlannedDocument m_document;
+    const QString m_source;
+    QFileInfo m_sourceBefore;
+    ProcessLimits m_limits;
+    QDeadlineTimer m_deadline;
+    DocumentRecord m_record;
+    std::unique_ptr<AtomicFile> m_output;
+};

@@ -1,0 +1,134 @@
+#include "FileConverters/CoordinationWorkspaceSection/DocumentRecord.h"
+
+#include <QCryptographicHash>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace {
+
+// Changes only when a program that knows the number before could misread a line.
+constexpr int FORMAT = 1;
+constexpr double MILLISECONDS = 1000.0;
+
+// In the order of the outcomes.
+constexpr std::array OUTCOMES = {"converted", "current", "lossy", "refused", "limit", "failed"};
+
+QJsonObject objectOf(const FileIdentity& identity)
+{
+    return {{"size", identity.size}, {"sha256", identity.sha256}};
+}
+
+std::optional<FileIdentity> identityFrom(const QJsonValue& value)
+{
+    if (!value.isObject()) {
+        return std::nullopt;
+    }
+    return FileIdentity{static_cast<qint64>(value["size"].toDouble()), value["sha256"].toString()};
+}
+
+QJsonArray arrayOf(const std::vector<LossSummary>& losses)
+{
+    QJsonArray array;
+    for (const LossSummary& loss : losses) {
+        array.append(QJsonObject{{"kind", loss.kind},
+                                 {"count", loss.count},
+                                 {"line", loss.line},
+                                 {"path", loss.path},
+                                 {"text", loss.text}});
+    }
+    return array;
+}
+
+std::vector<LossSummary> lossesFrom(const QJsonArray& array)
+{
+    std::vector<LossSummary> losses;
+    for (const QJsonValue& loss : array) {
+        losses.push_back({loss["kind"].toString(), loss["count"].toInt(), loss["line"].toInt(),
+                          loss["path"].toString(), loss["text"].toString()});
+    }
+    return losses;
+}
+
+} // namespace
+
+std::optional<FileIdentity> FileIdentity::of(const QString& path)
+{
+    QFile file(path);
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file) ||
+        file.error() != QFileDevice::NoError) {
+        return std::nullopt;
+    }
+    return FileIdentity{file.pos(), QString::fromLatin1(hash.result().toHex())};
+}
+
+bool operator==(const FileIdentity& one, const FileIdentity& other)
+{
+    return one.size == other.size && one.sha256 == other.sha256;
+}
+
+bool operator!=(const FileIdentity& one, const FileIdentity& other)
+{
+    return !(one == other);
+}
+
+QString DocumentRecord::nameOf(Outcome outcome)
+{
+    return QLatin1String(OUTCOMES[static_cast<std::size_t>(outcome)]);
+}
+
+QByteArray DocumentRecord::toLine() const
+{
+    QJsonObject object = {{"format", FORMAT},
+                          {"path", path},
+                          {"outcome", nameOf(outcome)},
+                          {"losses", arrayOf(losses)},
+                          {"verified", isVerified},
+                          {"seconds", std::round(seconds * MILLISECONDS) / MILLISECONDS}};
+    if (!reason.isEmpty()) {
+        object.insert("reason", reason);
+        object.insert("text", text);
+    }
+    if (source) {
+        object.insert("source", objectOf(*source));
+    }
+    if (target) {
+        object.insert("target", objectOf(*target));
+    }
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+std::optional<DocumentRecord> DocumentRecord::fromLine(const QByteArray& line)
+{
+    const QJsonObject object = QJsonDocument::fromJson(line).object();
+    const auto* const outcome =
+        std::find_if(OUTCOMES.begin(), OUTCOMES.end(),
+                     [&](const char* name) { return object["outcome"] == QLatin1String(name); });
+    if (object["format"] != FORMAT || outcome == OUTCOMES.end()) {
+        return std::nullopt;
+    }
+    DocumentRecord record;
+    record.path = object["path"].toString();
+    record.outcome = static_cast<Outcome>(outcome - OUTCOMES.begin());
+    record.reason = object["reason"].toString();
+    record.text = object["text"].toString();
+    record.source = identityFrom(object["source"]);
+    record.target = identityFrom(object["target"]);
+    record.losses = lossesFrom(object["losses"].toArray());
+    record.isVerified = object["verified"].toBool();
+    record.seconds = object["seconds"].toDouble();
+    return record;
+}
+
+bool DocumentRecord::tellsTheSameAs(const DocumentRecord& other) const
+{
+    DocumentRecord sameTime = other;
+    sameTime.seconds = seconds;
+    return toLine() == sameTime.toLine();
+}

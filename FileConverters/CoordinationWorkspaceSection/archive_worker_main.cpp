@@ -1,0 +1,54 @@
+// The worker of coordworkspace-convert-archive: converts the documents of one job of a plan.
+//
+// usage: coordworkspace-archive-worker PLAN OFFSET COUNT
+
+#include "FileConverters/CoordinationWorkspaceSection/ArchivePlan.h"
+#include "FileConverters/CoordinationWorkspaceSection/DocumentBatch.h"
+#include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
+
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+
+namespace {
+
+constexpr int DONE = 0;
+constexpr int FAILED = 1;
+constexpr int WRONG_USAGE = 64;
+
+int fail(const std::string& problem)
+{
+    std::cerr << "coordworkspace-archive-worker: " << problem << '\n';
+    return FAILED;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    ProcessSetup::raiseStackLimit();
+    ProcessSetup::reportWriteFailuresAsErrors();
+    ProcessSetup::tuneAllocator();
+    ProcessSetup::shutOutTheEnvironment();
+    if (argc != 4) {
+        std::cerr << "usage: coordworkspace-archive-worker PLAN OFFSET COUNT\n"
+                     "coordworkspace-convert-archive is the program to run\n";
+        return WRONG_USAGE;
+    }
+    ArchiveSettings settings;
+    const PlannedJob job = {QByteArray(argv[2]).toLongLong(), QByteArray(argv[3]).toInt()};
+    const std::vector<PlannedDocument> documents =
+        ArchivePlan::read(QString(argv[1]), job, settings);
+    if (documents.empty()) {
+        return fail("the plan cannot be read");
+    }
+    const std::vector<DocumentRecord> records = convertBatch(settings, documents);
+    if (records.empty()) {
+        return fail(std::string("the report cannot be written: ") + std::strerror(errno));
+    }
+    for (const DocumentRecord& record : records) {
+        std::cout << record.toLine().constData();
+    }
+    std::cout.flush();
+    return DONE;
+}

@@ -1,0 +1,742 @@
+#!/usr/bin/env python3
+"""What coordworkspace-convert-archive promises, tried on the programs themselves.
+
+    archive_test.py PROGRAM_FOLDER PROJECT_FOLDER [--sanitized] [unittest options]
+"""
+
+import fcntl
+import hashlib
+import json
+import os
+import pathlib
+import pty
+import re
+import shutil
+import signal
+import stat
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+import jsonschema
+
+from archives import (BROKEN, CLEAN, LOSSY, NEWER, NO_UUID, OLD, REPORT, SEVERAL, STRANGER,
+                      Archive, bomb, contents)
+
+PROGRAMS = pathlib.Path()
+PROJECT = pathlib.Path()
+IS_SANITIZED = False
+
+# The numbers are those of the man page.
+DONE, IS_LOSSY, REFUSED, LIMIT, FAILED = 0, 2, 3, 4, 5
+USAGE, UNAVAILABLE, NOT_WRITTEN, BUSY, STOPPED = 64, 69, 74, 75, 130
+
+
+def converted(document):
+    """What the converter makes of it."""
+    with tempfile.NamedTemporaryFile(suffix=".xml") as file:
+        file.write(document if isinstance(document, bytes) else document.encode())
+        file.flush()
+        return subprocess.run([PROGRAMS / "CoordWorkSpaceSectionConverter0_3", file.name],
+                              capture_output=True, check=True, timeout=60).stdout
+
+
+def sha256(data):
+    return hashlib.sha256(data).hexdigest()
+
+
+def written(file):
+    """Which file it is and when it was last touched."""
+    status = file.stat()
+    return status.st_ino, status.st_mtime_ns, status.st_ctime_ns
+
+
+class ArchiveTest(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        # Within no limit a sanitizer can run.
+        options = ["--memory=none"] if IS_SANITIZED else []
+        self.archive = Archive(self.folder, PROGRAMS / "coordworkspace-convert-archive", options)
+        self.schema = jsonschema.Draft202012Validator(
+            json.loads((PROJECT / "docs/schemas/archive-report.schema.json").read_text()))
+
+    def run_archive(self, status, *options, **more):
+        """Runs it, checks the status, and each line of the report against its schema."""
+        run = self.archive.run(*options, **more)
+        self.assertEqual(run.returncode, status, (run.stdout, run.stderr))
+        if (self.archive.target / REPORT).exists():
+            for line in self.archive.lines():
+                self.schema.validate(line)
+        return run
+
+    def add_every_kind(self):
+        for path, document in {
+            "clean.xml": CLEAN, "lossy.xml": LOSSY, "old.xml": OLD, "newer.xml": NEWER,
+            "current.xml": converted(CLEAN), "no-uuid.xml": NO_UUID, "broken.xml": BROKEN,
+            "stranger.xml": STRANGER, "several.xml": SEVERAL, "empty": "", "notes.txt": "Hi <3",
+            "2019/deep/er/clean.xml": CLEAN.replace("Vocal", "Bass"),
+        }.items():
+            self.archive.add(path, document)
+
+    EVERY_OUTCOME = {
+        "clean.xml": ("converted", None), "lossy.xml": ("lossy", None),
+        "old.xml": ("lossy", None), "newer.xml": ("refused", "too-new"),
+        "current.xml": ("current", None), "no-uuid.xml": ("failed", "invalid-profile-id"),
+        "broken.xml": ("failed", "not-well-formed"),
+        "stranger.xml": ("refused", "no-workspace"),
+        "several.xml": ("refused", "several-sections"), "empty": ("refused", "no-workspace"),
+        "notes.txt": ("refused", "no-workspace"),
+        "2019/deep/er/clean.xml": ("converted", None),
+    }  # fmt: skip
+
+
+class Documents(ArchiveTest):
+    def test_each_kind_ends_as_it_should(self):
+        self.add_every_kind()
+        before = contents(self.archive.source)
+        run = self.run_archive(FAILED)
+        self.assertEqual(self.archive.outcomes(), self.EVERY_OUTCOME)
+        targets = self.archive.targets()
+        self.assertEqual(
+            {path: data for path, (data, _, _) in targets.items()},
+            {
+                "clean.xml": converted(CLEAN), "lossy.xml": converted(LOSSY),
+                "old.xml": converted(OLD), "current.xml": converted(CLEAN),
+                "2019/deep/er/clean.xml": converted(CLEAN.replace("Vocal", "Bass")),
+            })  # fmt: skip
+        self.assertEqual(
+            run.stdout,
+            b"9 documents: 2 converted, 1 current, 2 lossy, 2 refused, 0 limit, 2 failed;"
+            b" 3 files are no workspace documents\n")
+        self.assertEqual(contents(self.archive.source), before)
+
+    def test_the_report_tells_hashes_sizes_and_losses(self):
+        self.add_every_kind()
+        self.run_archive(FAILED)
+        for path, record in self.archive.records().items():
+            source = (self.archive.source / path).read_bytes()
+            self.assertEqual(record["source"], {"size": len(source), "sha256": sha256(source)})
+            target = self.archive.target / path
+            self.assertEqual("target" in record, target.exists())
+            if target.exists():
+                data = target.read_bytes()
+                self.assertEqual(record["target"], {"size": len(data), "sha256": sha256(data)})
+        kinds = {path: [loss["kind"] for loss in record["losses"]]
+                 for path, record in self.archive.records().items() if record["losses"]}
+        self.assertEqual(kinds, {"lossy.xml": ["profile-name-emptied"], "old.xml": ["too-old"]})
+
+    def test_three_runs_equal_one(self):
+        self.add_every_kind()
+        self.run_archive(FAILED)
+        source = contents(self.archive.source)
+        once = (self.archive.targets(), (self.archive.target / REPORT).read_bytes())
+        inodes = {path: (self.archive.target / path).stat().st_ino
+                  for path in self.archive.targets()}
+        for _ in range(2):
+            run = self.run_archive(FAILED)
+            self.assertIn(b"5 done by an earlier run", run.stdout)
+            self.assertTrue(
+                (self.archive.targets(), (self.archive.target / REPORT).read_bytes()) == once)
+        self.assertTrue(contents(self.archive.source) == source)
+        self.assertEqual({path: (self.archive.target / path).stat().st_ino
+                          for path in self.archive.targets()}, inodes)
+
+    def test_an_archive_of_what_was_converted_is_copied(self):
+        self.archive.add("clean.xml", CLEAN)
+        self.run_archive(DONE)
+        again = Archive(tempfile.mkdtemp(dir=self.folder), self.archive.program,
+                        self.archive.options)
+        again.source.rmdir()
+        self.archive.target.rename(again.source)
+        self.assertEqual(again.run().returncode, DONE)
+        self.assertEqual(again.outcomes(), {"clean.xml": ("current", None)})
+        self.assertEqual(again.targets(), contents(again.source))
+
+    def test_mode_and_time_are_kept(self):
+        for number, mode in enumerate((0o640, 0o400, 0o755, 0o606)):
+            for kind, document in (("clean", CLEAN), ("current", converted(CLEAN))):
+                file = self.archive.add(f"{kind}{number}.xml", document)
+                file.chmod(mode)
+                os.utime(file, ns=(1, 1234567890_123456789 + number))
+        self.run_archive(DONE)
+        for path, (_, mode, modified) in self.archive.targets().items():
+            source = (self.archive.source / path).stat()
+            self.assertEqual((mode, modified), (source.st_mode, source.st_mtime_ns))
+
+    def test_bits_that_give_rights_are_not_kept(self):
+        self.archive.add("clean.xml", CLEAN).chmod(0o6755)
+        self.run_archive(DONE)
+        mode = (self.archive.target / "clean.xml").stat().st_mode
+        self.assertEqual(stat.S_IMODE(mode), 0o755)
+
+    def test_names_of_every_kind(self):
+        names = ["a b.xml", "quote'\".xml", "$HOME `id`.xml", "-n.xml", "new\nline.xml", "ü🎤.xml",
+                 "{}{1}.xml", "tab\t.xml", "back\\slash.xml", "x" * 251 + ".xml", ".hidden",
+                 "%20.xml", "*.xml", "é folder/é.xml"]  # fmt: skip
+        for name in names:
+            self.archive.add(name, CLEAN)
+        self.run_archive(DONE)
+        self.assertEqual(set(self.archive.targets()), set(names))
+
+    def test_a_name_that_is_no_utf8_is_reported(self):
+        with open(os.path.join(os.fsencode(self.archive.source), b"\xe9.xml"), "wb") as file:
+            file.write(CLEAN.encode())
+        self.archive.add("clean.xml", CLEAN)
+        self.run_archive(REFUSED)
+        self.assertEqual(self.archive.outcomes(), {
+            "clean.xml": ("converted", None), "\ufffd.xml": ("refused", "name-not-utf8")})
+
+    def test_folders_with_odd_names(self):
+        odd = Archive(tempfile.mkdtemp(prefix="a 'b' $x\n", dir=self.folder),
+                      self.archive.program, self.archive.options)
+        odd.add("clean.xml", CLEAN)
+        self.assertEqual(odd.run().returncode, DONE)
+        self.assertEqual(odd.outcomes(), {"clean.xml": ("converted", None)})
+
+    def test_links_are_followed_or_reported(self):
+        document = self.archive.add("sub/clean.xml", CLEAN)
+        (self.archive.source / "link.xml").symlink_to("sub/clean.xml")
+        (self.archive.source / "broken.xml").symlink_to("nowhere")
+        (self.archive.source / "round").symlink_to(".")
+        (self.archive.source / "round.xml").symlink_to("round.xml")
+        os.mkfifo(self.archive.source / "pipe.xml")
+        self.run_archive(REFUSED)
+        self.assertEqual(self.archive.outcomes(), {
+            "sub/clean.xml": ("converted", None), "link.xml": ("converted", None),
+            "broken.xml": ("refused", "broken-link"), "round": ("refused", "link-to-folder"),
+            "round.xml": ("refused", "no-file"), "pipe.xml": ("refused", "no-file")})
+        self.assertTrue((self.archive.target / "link.xml").is_file())
+        self.assertFalse((self.archive.target / "link.xml").is_symlink())
+        self.assertEqual((self.archive.target / "link.xml").stat().st_mtime_ns,
+                         document.stat().st_mtime_ns)
+
+    def test_an_empty_archive(self):
+        run = self.run_archive(DONE)
+        self.assertTrue(run.stdout.startswith(b"0 documents: "))
+
+    @unittest.skipIf(os.geteuid() == 0, "root may read everything")
+    def test_what_may_not_be_read(self):
+        self.archive.add("secret.xml", CLEAN).chmod(0)
+        self.archive.add("closed/clean.xml", CLEAN)
+        (self.archive.source / "closed").chmod(0)
+        self.addCleanup((self.archive.source / "closed").chmod, 0o755)
+        self.run_archive(FAILED)
+        self.assertEqual(self.archive.outcomes(), {
+            "secret.xml": ("failed", "not-readable"), "closed": ("failed", "not-readable")})
+
+
+class Options(ArchiveTest):
+    def test_only_clean_documents_are_written(self):
+        self.archive.add("clean.xml", CLEAN)
+        self.archive.add("lossy.xml", LOSSY)
+        self.run_archive(DONE, "--only-clean")
+        self.assertEqual(self.archive.outcomes(), {
+            "clean.xml": ("converted", None), "lossy.xml": ("lossy", "not-clean")})
+        self.assertEqual(set(self.archive.targets()), {"clean.xml"})
+        # Asked for later, it is written.
+        self.run_archive(DONE)
+        self.assertEqual(set(self.archive.targets()), {"clean.xml", "lossy.xml"})
+
+    def test_lossy_documents_set_the_status_when_asked(self):
+        self.archive.add("lossy.xml", LOSSY)
+        self.run_archive(IS_LOSSY, "--fail-if-lossy", "--only-clean")
+        self.run_archive(IS_LOSSY, "--fail-if-lossy")
+        self.run_archive(IS_LOSSY, "--fail-if-lossy")
+        self.run_archive(DONE)
+
+    def test_verify(self):
+        self.archive.add("clean.xml", CLEAN)
+        self.archive.add("lossy.xml", LOSSY)
+        self.run_archive(DONE)
+        self.assertEqual([line["verified"] for line in self.archive.lines()], [False, False])
+        # What was converted without is verified by a run with.
+        self.run_archive(DONE, "--verify")
+        self.assertEqual([line["verified"] for line in self.archive.lines()], [True, True])
+        run = self.run_archive(DONE, "--verify")
+        self.assertIn(b"2 done by an earlier run", run.stdout)
+
+    def test_verify_finds_a_wrong_conversion(self):
+        programs = self.folder / "programs"
+        programs.mkdir()
+        for name in ("coordworkspace-convert-archive", "coordworkspace-archive-worker"):
+            shutil.copy(PROGRAMS / name, programs / name)
+        wrong = programs / "CoordWorkSpaceSectionConverter0_3"
+        wrong.write_text(f"#!/bin/sh\n'{PROGRAMS}/CoordWorkSpaceSectionConverter0_3' \"$1\""
+                         " | sed s/Standard/Robust/\n")
+        wrong.chmod(0o755)
+        self.archive.program = programs / "coordworkspace-convert-archive"
+        self.archive.add("clean.xml", CLEAN)
+        self.run_archive(FAILED, "--verify")
+        self.assertEqual(self.archive.outcomes(), {"clean.xml": ("failed", "not-verified")})
+        self.assertEqual(self.archive.targets(), {})
+        self.run_archive(DONE)
+
+    def test_a_dry_run_writes_nothing_and_tells_the_same(self):
+        self.add_every_kind()
+        before = contents(self.folder)
+        dry = self.run_archive(FAILED, "--dry-run")
+        self.assertFalse(self.archive.target.exists())
+        self.assertEqual(contents(self.folder), before)
+        real = self.run_archive(FAILED)
+        *lines, summary = dry.stdout.decode().splitlines()
+        self.assertEqual(summary, real.stdout.decode().rstrip("\n"))
+
+        def told(records):
+            return {record["path"]: {**record, "seconds": 0} for record in records}
+
+        self.assertEqual(told(map(json.loads, lines)), told(self.archive.lines()))
+        # Again with the targets there.
+        before = contents(self.folder)
+        self.run_archive(FAILED, "--dry-run")
+        self.assertEqual(contents(self.folder), before)
+
+    def test_the_report_may_stand_elsewhere(self):
+        self.archive.add("clean.xml", CLEAN)
+        report = self.folder / "report.jsonl"
+        self.run_archive(DONE, f"--report={report}")
+        self.assertEqual(json.loads(report.read_text())["path"], "clean.xml")
+        self.assertFalse((self.archive.target / REPORT).exists())
+        run = self.run_archive(DONE, f"--report={report}")
+        self.assertIn(b"1 done by an earlier run", run.stdout)
+
+    def test_what_it_prints_about_itself(self):
+        for option, begin in (("--help", b"usage: coordworkspace-convert-archive"),
+                              ("--version", b"coordworkspace-convert-archive ")):
+            run = subprocess.run([self.archive.program, option], capture_output=True, timeout=60)
+            self.assertEqual((run.returncode, run.stderr), (DONE, b""))
+            self.assertTrue(run.stdout.startswith(begin))
+        run = subprocess.run([self.archive.program, "--json-schema"], capture_output=True,
+                             timeout=60)
+        self.assertEqual(json.loads(run.stdout), self.schema.schema)
+
+    def test_the_statuses_of_the_man_page_are_these(self):
+        page = (PROJECT / "docs/man/coordworkspace-convert-archive.1").read_text()
+        table = page[page.index(".TS"):page.index(".TE")]
+        rows = re.findall(r"^(\d+)\|(.*)$", table.replace("\\-", "-"), re.MULTILINE)
+        numbers = [int(number) for number, _ in rows]
+        self.assertEqual(numbers, [DONE, IS_LOSSY, REFUSED, LIMIT, FAILED, USAGE, UNAVAILABLE,
+                                   NOT_WRITTEN, BUSY, STOPPED])
+        guide = (PROJECT / "docs/archive.md").read_text().replace("`", "")
+        self.assertEqual(re.findall(r"^\| (\d+) \| (.*) \|$", guide, re.MULTILINE), rows)
+        help_text = subprocess.run([self.archive.program, "--help"], capture_output=True,
+                                   timeout=60, text=True).stdout
+        status = help_text[help_text.index("Status:"):]
+        self.assertEqual([int(n) for n in re.findall(r"(?<![\w-])\d+", status)], numbers)
+        options = set(re.findall(r"--[a-z-]+", help_text))
+        self.assertEqual(set(re.findall(r"--[a-z-]+", page.replace("\\-", "-"))), options)
+
+
+class WrongUsage(ArchiveTest):
+    def refuse(self, *arguments):
+        before = contents(self.folder)
+        folders = sorted(str(path) for path in self.folder.rglob("*"))
+        run = subprocess.run([self.archive.program, *map(str, arguments)], capture_output=True,
+                             timeout=60, cwd=self.folder)
+        self.assertEqual((run.returncode, run.stdout), (USAGE, b""), run.stderr)
+        self.assertTrue(run.stderr.startswith(b"coordworkspace-convert-archive: "))
+        self.assertEqual(contents(self.folder), before)
+        self.assertEqual(sorted(str(path) for path in self.folder.rglob("*")), folders)
+
+    def test_folders_that_overlap(self):
+        source = self.archive.source
+        self.archive.add("sub/clean.xml", CLEAN)
+        (self.folder / "link").symlink_to(source)
+        (self.folder / "other").mkdir()
+        for one, two in ((source, source), (source, source / "sub"), (source / "sub", source),
+                         (source, source / "sub/new/er"), (source, self.folder / "link"),
+                         (source, self.folder / "link/new"), (self.folder / "link/sub", source),
+                         (source, f"{source}/"), (source, f"{source}/../source/./new"),
+                         ("source", source), ("source/../source", "source/new"),
+                         (source, self.folder), (source, "/"), (source, "other/../source")):
+            with self.subTest(source=str(one), target=str(two)):
+                self.refuse(one, two)
+
+    def test_a_folder_beside_with_a_longer_name_is_none_of_them(self):
+        self.archive.add("clean.xml", CLEAN)
+        self.archive.target = self.folder / "source2"
+        self.run_archive(DONE)
+
+    def test_what_is_no_folder(self):
+        file = self.archive.add("clean.xml", CLEAN)
+        self.refuse(file, self.archive.target)
+        self.refuse(self.folder / "nowhere", self.archive.target)
+        other = self.folder / "file"
+        other.write_text("")
+        self.refuse(self.archive.source, other)
+
+    def test_reports_where_none_may_be(self):
+        source, target = self.archive.source, self.archive.target
+        mine = self.folder / "mine.txt"
+        mine.write_text("not a report")
+        for report in (source / "report.jsonl", mine, self.folder, self.folder / "no/folder/r"):
+            self.refuse(f"--report={report}", source, target)
+
+    def test_options(self):
+        source, target = self.archive.source, self.archive.target
+        for wrong in ("--timeout=0", "--timeout=x", "--timeout=-1", "--timeout=", "--memory=0",
+                      "--memory=1.5", "--jobs=0", "--jobs=x", "--jobs=100000", "--force=yes",
+                      "--unknown", "--memory=99999999999999999999"):
+            with self.subTest(option=wrong):
+                self.refuse(wrong, source, target)
+        self.refuse()
+        self.refuse(source)
+        self.refuse(source, target, target)
+        self.refuse("", target)
+
+
+class ExistingTargets(ArchiveTest):
+    def setUp(self):
+        super().setUp()
+        for name in ("one.xml", "two.xml", "three.xml"):
+            self.archive.add(name, CLEAN)
+        self.archive.target.mkdir()
+
+    def test_they_are_kept_and_told_before_the_first_conversion(self):
+        for name in ("one.xml", "two.xml"):
+            (self.archive.target / name).write_text("mine")
+        for _ in range(2):
+            run = self.run_archive(REFUSED)
+            told = [line for line in run.stderr.decode().splitlines() if "in the way" in line]
+            self.assertEqual([line.rsplit("/", 1)[1] for line in told], ["one.xml", "two.xml"])
+            self.assertEqual(self.archive.outcomes(), {
+                "one.xml": ("refused", "target-exists"), "two.xml": ("refused", "target-exists"),
+                "three.xml": ("converted", None)})
+            for name in ("one.xml", "two.xml"):
+                self.assertEqual((self.archive.target / name).read_text(), "mine")
+
+    def test_force_replaces_them(self):
+        (self.archive.target / "one.xml").write_text("mine")
+        (self.archive.target / "two.xml").symlink_to(self.folder / "elsewhere")
+        (self.folder / "elsewhere").write_text("mine")
+        self.run_archive(DONE, "--force")
+        self.assertEqual({data for data, _, _ in self.archive.targets().values()},
+                         {converted(CLEAN)})
+        self.assertEqual((self.folder / "elsewhere").read_text(), "mine")
+
+    def test_a_dangling_link_is_in_the_way_too(self):
+        (self.archive.target / "one.xml").symlink_to("nowhere")
+        self.run_archive(REFUSED)
+        self.assertEqual(os.readlink(self.archive.target / "one.xml"), "nowhere")
+
+    def test_what_not_even_force_replaces(self):
+        (self.archive.target / "one.xml").mkdir()
+        (self.archive.target / "sub").write_text("mine")
+        self.archive.add("sub/clean.xml", CLEAN)
+        self.archive.add("linked/clean.xml", CLEAN)
+        outside = self.folder / "outside"
+        outside.mkdir()
+        (outside / "clean.xml").write_text("mine")
+        (self.archive.target / "linked").symlink_to(outside)
+        run = self.run_archive(REFUSED, "--force")
+        refused = {path for path, (outcome, _) in self.archive.outcomes().items()
+                   if outcome == "refused"}
+        self.assertEqual(refused, {"one.xml", "sub/clean.xml", "linked/clean.xml"})
+        self.assertEqual(run.stderr.count(b"in the way"), 3)
+        self.assertEqual((outside / "clean.xml").read_text(), "mine")
+
+    def test_strangers_are_in_nobodys_way(self):
+        self.archive.add("notes.txt", "in both folders")
+        (self.archive.target / "notes.txt").write_text("in both folders")
+        run = self.run_archive(DONE)
+        self.assertEqual(run.stderr, b"")
+
+    def test_a_target_that_was_changed_is_the_users(self):
+        self.run_archive(DONE)
+        (self.archive.target / "one.xml").write_text("mine now")
+        run = self.run_archive(REFUSED)
+        self.assertIn(b"in the way, and kept: ", run.stderr)
+        self.assertEqual((self.archive.target / "one.xml").read_text(), "mine now")
+
+
+class TakingUp(ArchiveTest):
+    def test_documents_added_removed_changed(self):
+        for name in ("b.xml", "c.xml", "d.xml"):
+            self.archive.add(name, CLEAN)
+        self.run_archive(DONE)
+        self.archive.add("a.xml", CLEAN)  # in front of all others
+        self.archive.add("c.xml", LOSSY)
+        (self.archive.source / "d.xml").unlink()
+        kept = written(self.archive.target / "b.xml")
+        run = self.run_archive(DONE)
+        self.assertIn(b"1 done by an earlier run; 1 gone since, their targets kept", run.stdout)
+        self.assertEqual({path: data for path, (data, _, _) in self.archive.targets().items()},
+                         {"a.xml": converted(CLEAN), "b.xml": converted(CLEAN),
+                          "c.xml": converted(LOSSY), "d.xml": converted(CLEAN)})
+        self.assertEqual(written(self.archive.target / "b.xml"), kept)
+
+    def test_a_change_that_keeps_size_and_time_is_seen(self):
+        file = self.archive.add("a.xml", CLEAN)
+        self.run_archive(DONE)
+        before = file.stat()
+        self.archive.add("a.xml", CLEAN.replace("Vocal", "Drums"))
+        os.utime(file, ns=(before.st_atime_ns, before.st_mtime_ns))
+        self.assertEqual(file.stat().st_size, before.st_size)
+        self.run_archive(DONE)
+        self.assertIn(b"Drums", (self.archive.target / "a.xml").read_bytes())
+
+    def test_a_target_that_is_gone_comes_again(self):
+        self.archive.add("a.xml", CLEAN)
+        self.run_archive(DONE)
+        (self.archive.target / "a.xml").unlink()
+        self.run_archive(DONE)
+        self.assertEqual(set(self.archive.targets()), {"a.xml"})
+
+    def test_what_is_left_unfinished_is_swept(self):
+        self.archive.add("sub/a.xml", CLEAN)
+        (self.archive.target / "sub").mkdir(parents=True)
+        for folder in (self.archive.target, self.archive.target / "sub"):
+            (folder / ".coordworkspace-ab12CD.part").write_text("half")
+        (self.archive.target / "mine.part").write_text("mine")
+        self.run_archive(DONE)
+        self.assertEqual(set(self.archive.targets()), {"sub/a.xml", "mine.part"})
+
+    def test_a_report_with_a_torn_last_line(self):
+        for name in ("a.xml", "b.xml"):
+            self.archive.add(name, CLEAN)
+        self.run_archive(DONE)
+        report = self.archive.target / REPORT
+        whole = report.read_bytes()
+        for cut in (1, 20, len(whole) // 2, len(whole) - 5):
+            report.write_bytes(whole[:-cut])
+            (self.archive.target / "b.xml").unlink()
+            if cut > len(whole) // 2 - 1:
+                (self.archive.target / "a.xml").unlink()
+            self.run_archive(DONE)
+            self.assertEqual([line["path"] for line in self.archive.lines()], ["a.xml", "b.xml"])
+
+    def test_what_stands_without_a_line_is_known_as_pending(self):
+        self.archive.add("a.xml", CLEAN)
+        self.archive.add("b.xml", CLEAN)
+        self.run_archive(DONE)
+        report = self.archive.target / REPORT
+        lines = report.read_bytes()
+        report.rename(report.with_name("pending.jsonl"))
+        (self.archive.target / "b.xml").unlink()
+        before = written(self.archive.target / "a.xml")
+        run = self.run_archive(DONE)
+        self.assertEqual(run.stderr, b"")
+        self.assertIn(b"1 done by an earlier run", run.stdout)
+        self.assertEqual(written(self.archive.target / "a.xml"), before)
+        self.assertEqual(report.read_bytes().splitlines()[0], lines.splitlines()[0])
+        self.assertFalse(report.with_name("pending.jsonl").exists())
+
+    def test_a_second_run_at_the_same_time_is_refused(self):
+        self.archive.add("a.xml", CLEAN)
+        (self.archive.target / ".coordworkspace").mkdir(parents=True)
+        with open(self.archive.target / ".coordworkspace/lock", "w") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            run = self.run_archive(BUSY)
+            self.assertEqual((run.stdout, self.archive.targets()), (b"", {}))
+            fcntl.flock(lock, fcntl.LOCK_UN)
+            self.run_archive(DONE)
+
+    def slow_programs(self):
+        """Programs whose converter waits until the file "go" is there."""
+        programs = self.folder / "programs"
+        programs.mkdir()
+        for name in ("coordworkspace-convert-archive", "coordworkspace-archive-worker"):
+            shutil.copy(PROGRAMS / name, programs / name)
+        slow = programs / "CoordWorkSpaceSectionConverter0_3"
+        slow.write_text("#!/bin/sh\n"
+                        f"echo $$ >> '{self.folder}/started'\n"
+                        f"until [ -e '{self.folder}/go' ]; do sleep 0.05; done\n"
+                        f"exec '{PROGRAMS}/CoordWorkSpaceSectionConverter0_3' \"$1\"\n")
+        slow.chmod(0o755)
+        self.archive.program = programs / "coordworkspace-convert-archive"
+
+    def start_slowly(self):
+        run = subprocess.Popen(self.archive.arguments("--timeout=none", "--jobs=1"),
+                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                               stderr=subprocess.PIPE)
+        self.wait_until(lambda: (self.folder / "started").exists())
+        return run
+
+    def wait_until(self, is_so):
+        end = time.monotonic() + 120
+        while not is_so():
+            self.assertLess(time.monotonic(), end, "it never came")
+            time.sleep(0.02)
+
+    def is_locked(self):
+        with open(self.archive.target / ".coordworkspace/lock") as lock:
+            try:
+                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+            except BlockingIOError:
+                return True
+        return False
+
+    def test_jobs_of_a_killed_run_keep_the_next_one_out(self):
+        self.slow_programs()
+        for number in range(4):
+            self.archive.add(f"{number}.xml", CLEAN)
+        run = self.start_slowly()
+        parallel = self.child_of(run.pid)
+        os.kill(parallel, signal.SIGKILL)
+        _, errors = run.communicate(timeout=60)
+        self.assertEqual(run.returncode, UNAVAILABLE)
+        self.assertIn(b"broke off", errors)
+        self.run_archive(BUSY)
+        (self.folder / "go").touch()
+        self.wait_until(lambda: not self.is_locked())
+        # The one at work came to its end and was reported; no other was begun.
+        self.assertEqual(list(self.archive.outcomes()), ["0.xml"])
+        run = self.run_archive(DONE)
+        self.assertIn(b"1 done by an earlier run", run.stdout)
+        self.assertEqual(len(self.archive.targets()), 4)
+
+    def test_a_killed_run_takes_its_jobs_along(self):
+        self.slow_programs()
+        self.archive.add("a.xml", CLEAN)
+        run = self.start_slowly()
+        run.kill()
+        run.communicate(timeout=60)
+        self.wait_until(lambda: not self.is_locked())
+        self.assertFalse((self.archive.target / "a.xml").exists())
+        (self.folder / "go").touch()
+        self.run_archive(DONE)
+        self.assertEqual(set(self.archive.targets()), {"a.xml"})
+
+    @staticmethod
+    def child_of(process):
+        """The only one."""
+        return int(pathlib.Path(f"/proc/{process}/task/{process}/children").read_text())
+
+    def test_a_signal_ends_the_jobs_too(self):
+        for number, request in enumerate((signal.SIGINT, signal.SIGTERM, signal.SIGHUP)):
+            with self.subTest(signal=request):
+                if number == 0:
+                    self.slow_programs()
+                self.archive.add(f"{number}.xml", CLEAN)
+                run = self.start_slowly()
+                run.send_signal(request)
+                _, errors = run.communicate(timeout=60)
+                self.assertEqual(run.returncode, STOPPED)
+                self.assertIn(b"the next run goes on", errors)
+                self.wait_until(lambda: not self.is_locked())
+                self.assertEqual(
+                    [path for path in self.archive.targets() if not path.endswith(".part")], [])
+                (self.folder / "started").unlink()
+        (self.folder / "go").touch()
+        self.run_archive(DONE)
+        self.assertEqual(set(self.archive.targets()), {"0.xml", "1.xml", "2.xml"})
+
+
+class HostileDocuments(ArchiveTest):
+    def test_entities_that_grow_end_as_limit_beside_their_neighbours(self):
+        if IS_SANITIZED:
+            self.skipTest("a sanitizer runs within no limit on memory")
+        for number in range(6):
+            self.archive.add(f"{number}.xml", CLEAN)
+        self.assertLess(self.archive.add("3-bomb.xml", bomb()).stat().st_size, 400_000)
+        self.run_archive(LIMIT, "--jobs=1")
+        outcomes = self.archive.outcomes()
+        self.assertEqual(outcomes.pop("3-bomb.xml"), ("limit", "memory"))
+        self.assertEqual(set(outcomes.values()), {("converted", None)})
+
+    def test_memory(self):
+        if IS_SANITIZED:
+            self.skipTest("a sanitizer runs within no limit on memory")
+        self.archive.add("clean.xml", CLEAN)
+        self.run_archive(LIMIT, "--memory=20")
+        self.assertEqual(self.archive.outcomes(), {"clean.xml": ("limit", "memory")})
+        self.assertEqual(self.archive.targets(), {})
+        self.run_archive(DONE, "--memory=1000")
+
+    def test_time(self):
+        TakingUp.slow_programs(self)
+        self.archive.add("clean.xml", CLEAN)
+        self.run_archive(LIMIT, "--timeout=1")
+        self.assertEqual(self.archive.outcomes(), {"clean.xml": ("limit", "time")})
+        self.assertEqual(self.archive.targets(), {})
+        # The converter did not survive it.
+        process = (self.folder / "started").read_text().strip()
+        self.assertFalse(pathlib.Path("/proc", process).exists())
+
+    def test_a_worker_that_dies_takes_no_neighbour_along(self):
+        for number in range(40):
+            self.archive.add(f"{number:02}.xml", CLEAN)
+        programs = self.folder / "programs"
+        programs.mkdir()
+        shutil.copy(PROGRAMS / "coordworkspace-convert-archive", programs)
+        shutil.copy(PROGRAMS / "coordworkspace-archive-worker", programs / "worker")
+        (programs / "CoordWorkSpaceSectionConverter0_3").write_text(
+            "#!/bin/sh\ncase $1 in */07.xml) kill -9 $PPID;; esac\n"
+            f"exec '{PROGRAMS}/CoordWorkSpaceSectionConverter0_3' \"$1\"\n")
+        (programs / "CoordWorkSpaceSectionConverter0_3").chmod(0o755)
+        (programs / "worker").rename(programs / "coordworkspace-archive-worker")
+        self.archive.program = programs / "coordworkspace-convert-archive"
+        self.run_archive(FAILED, "--jobs=2")
+        outcomes = self.archive.outcomes()
+        self.assertEqual(outcomes.pop("07.xml"), ("failed", "broke-off"))
+        self.assertEqual(set(outcomes.values()), {("converted", None)})
+
+
+class Streams(ArchiveTest):
+    def test_a_terminal_sees_progress_with_the_time_left(self):
+        for number in range(8):
+            self.archive.add(f"{number}.xml", CLEAN)
+        ours, theirs = pty.openpty()
+        run = subprocess.Popen(self.archive.arguments(), stdin=subprocess.DEVNULL, stdout=theirs,
+                               stderr=theirs)
+        os.close(theirs)
+        seen = b""
+        try:
+            while data := os.read(ours, 4096):
+                seen += data
+        except OSError:
+            pass  # the other end is closed
+        self.assertEqual(run.wait(60), DONE)
+        self.assertRegex(seen, rb"\r\x1b\[K\d of 8 documents")
+        self.assertTrue(seen.endswith(b"\r\x1b[K8 documents: 8 converted, 0 current, 0 lossy,"
+                                      b" 0 refused, 0 limit, 0 failed\r\n"), seen)
+
+    def test_without_a_terminal_a_short_run_says_one_line(self):
+        self.archive.add("a.xml", CLEAN)
+        run = self.run_archive(DONE)
+        self.assertEqual((run.stderr, run.stdout.count(b"\n")), (b"", 1))
+
+    def test_output_that_nobody_takes(self):
+        self.archive.add("a.xml", CLEAN)
+        with open("/dev/full", "wb") as full:
+            run = subprocess.run(self.archive.arguments(), stdout=full, stderr=subprocess.PIPE,
+                                 timeout=60)
+        self.assertEqual(run.returncode, NOT_WRITTEN)
+        self.assertEqual(set(self.archive.targets()), {"a.xml"})
+
+    def test_without_parallel(self):
+        self.archive.add("a.xml", CLEAN)
+        run = self.run_archive(UNAVAILABLE, env={"PATH": "/nowhere"})
+        self.assertIn(b"GNU Parallel", run.stderr)
+        self.assertFalse(self.archive.target.exists())
+
+    def test_a_target_that_takes_nothing(self):
+        self.archive.add("a.xml", CLEAN)
+        self.archive.target = pathlib.Path("/proc/coordworkspace")
+        run = self.archive.run()
+        self.assertEqual((run.returncode, run.stdout), (NOT_WRITTEN, b""))
+
+    def test_the_users_parallel_and_shell_have_no_say(self):
+        self.archive.add("a.xml", CLEAN)
+        home = self.folder / "home"
+        (home / ".parallel").mkdir(parents=True)
+        (home / ".parallel/config").write_text("--dry-run\n")
+        env = {**os.environ, "HOME": str(home), "PARALLEL": "--dry-run", "SHELL": "/bin/false",
+               "PARALLEL_SHELL": "/bin/false", "PARALLEL_HOME": str(home / ".parallel")}
+        before = sorted(home.rglob("*"))
+        self.run_archive(DONE, env=env)
+        self.assertEqual(sorted(home.rglob("*")), before)
+
+
+if __name__ == "__main__":
+    PROGRAMS = pathlib.Path(sys.argv.pop(1)).absolute()
+    PROJECT = pathlib.Path(sys.argv.pop(1))
+    if "--sanitized" in sys.argv:
+        sys.argv.remove("--sanitized")
+        IS_SANITIZED = True
+    unittest.main()

@@ -1,0 +1,86 @@
+"""Archives of workspace documents for the tests of the archive program."""
+
+import json
+import os
+import pathlib
+import subprocess
+import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent.parent))
+import workspaces  # noqa: E402
+
+SECTION = "coordinated_data_root"
+SECONDS_A_RUN = 300
+REPORT = ".coordworkspace/report.jsonl"
+
+CLEAN = workspaces.workspace(3)
+LOSSY = CLEAN.replace('name="robust"', 'name="Robust"')
+OLD = CLEAN.replace('version="0.2"', 'version="0.05"')
+NEWER = CLEAN.replace('version="0.2"', 'version="0.4"')
+NO_UUID = workspaces.workspace(2, profile_id="7")
+BROKEN = CLEAN[:-20]
+STRANGER = "<?xml version='1.0'?><html><body>Set list</body></html>"
+SEVERAL = f"<shows>{'<coordinated_data_root/>' * 2}</shows>"
+
+
+def bomb(letters=500_000_000):
+    """A small document whose entities grow to so many letters, as far as Qt's parser lets one."""
+    entity = 4000
+    return (f"<!DOCTYPE {SECTION} [<!ENTITY e '{'x' * entity}'>]>"
+            f"<{SECTION} version='0.2'>{'&e;' * (letters // entity)}</{SECTION}>")
+
+
+class Archive:
+    """A folder of documents, and one for what becomes of them."""
+
+    def __init__(self, folder, program, options=()):
+        self.folder = pathlib.Path(folder)
+        self.source = self.folder / "source"
+        self.target = self.folder / "target"
+        self.source.mkdir()
+        self.program = program
+        self.options = list(options)
+
+    def add(self, path, document):
+        file = self.source / path
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_bytes(document if isinstance(document, bytes) else document.encode())
+        return file
+
+    def arguments(self, *options):
+        return [self.program, *self.options, *options, str(self.source), str(self.target)]
+
+    def run(self, *options, **more):
+        more = {"capture_output": True, "timeout": SECONDS_A_RUN, **more}
+        return subprocess.run(self.arguments(*options), stdin=subprocess.DEVNULL, **more)
+
+    def lines(self):
+        text = (self.target / REPORT).read_text(encoding="utf-8")
+        return [json.loads(line) for line in text.splitlines()]
+
+    def records(self):
+        lines = self.lines()
+        records = {line["path"]: line for line in lines}
+        assert len(records) == len(lines), "a document has several lines"
+        return records
+
+    def outcomes(self):
+        return {path: (record["outcome"], record.get("reason"))
+                for path, record in self.records().items()}
+
+    def targets(self):
+        """What stands below the target, by path: contents, mode and time."""
+        return contents(self.target)
+
+
+def contents(folder):
+    found = {}
+    for parent, _, names in os.walk(folder):
+        if pathlib.Path(parent) == pathlib.Path(folder) / ".coordworkspace":
+            continue
+        for name in names:
+            file = pathlib.Path(parent, name)
+            status = file.lstat()
+            data = os.readlink(file).encode() if file.is_symlink() else file.read_bytes()
+            found[str(file.relative_to(folder))] = (data, status.st_mode, status.st_mtime_ns)
+    return found
