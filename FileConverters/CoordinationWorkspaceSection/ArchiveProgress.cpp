@@ -63,7 +63,7 @@ void ArchiveProgress::show()
     writeUtf8(m_isTerminal ? CLEAR_LINE + text : text + QLatin1Char('\n'), std::cerr);
 }
 
-void ArchiveProgress::clear()
+void ArchiveProgress::clear() const
 {
     if (m_isTerminal) {
         writeUtf8(CLEAR_LINE, std::cerr);

@@ -22,7 +22,7 @@ public:
     void show();
 
     /** Takes away what was shown in place. */
-    void clear();
+    void clear() const;
 
     /** What is told after so many milliseconds. */
     QString textAfter(qint64 milliseconds) const;
