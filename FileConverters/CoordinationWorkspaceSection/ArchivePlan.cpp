@@ -16,13 +16,15 @@ QJsonObject objectOf(const PlannedDocument& document)
     return {{"path", document.path},
             {"size", document.size},
             {"mayReplace", document.mayReplace},
-            {"isBlocked", document.isBlocked}};
+            {"isBlocked", document.isBlocked},
+            {"earlier", document.earlier ? document.earlier->toJson() : QJsonValue()}};
 }
 
 PlannedDocument documentFrom(const QJsonObject& object)
 {
     return {object["path"].toString(), static_cast<qint64>(object["size"].toDouble()),
-            object["mayReplace"].toBool(), object["isBlocked"].toBool()};
+            object["mayReplace"].toBool(), object["isBlocked"].toBool(),
+            FileIdentity::fromJson(object["earlier"])};
 }
 
 QJsonObject readObject(QFile& file)

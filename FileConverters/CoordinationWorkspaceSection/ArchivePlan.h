@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveSettings.h"
+#include "FileConverters/CoordinationWorkspaceSection/DocumentRecord.h"
 
 #include <QString>
 
@@ -11,8 +12,9 @@ struct PlannedDocument
 {
     QString path; ///< below the archive's folder
     qint64 size = 0;
-    bool mayReplace = false; ///< what stands in its place
-    bool isBlocked = false;  ///< something stands in its place that is kept
+    bool mayReplace = false;             ///< what stands in its place
+    bool isBlocked = false;              ///< something stands in its place that is kept
+    std::optional<FileIdentity> earlier; ///< what an earlier run wrote there
 };
 
 /** Where the documents of a job stand in the plan's file. */

@@ -228,6 +228,7 @@ void ArchiveRun::plan()
                                                                        : DocumentRecord::REFUSED;
         record.reason = entry.reason;
         record.text = entry.text;
+        record.earlier = ourTarget(entry.path);
         m_ownRecords.push_back(record);
     }
     countGone(entries);
@@ -237,8 +238,8 @@ void ArchiveRun::planDocument(const ArchiveEntry& entry)
 {
     const QString source = m_settings.source + QLatin1Char('/') + entry.path;
     const auto known = m_before.find(entry.path);
-    const bool isOurTarget = isOurs(entry.path);
-    if (isOurTarget && known->source && known->source->size == entry.size) {
+    const std::optional<FileIdentity> earlier = ourTarget(entry.path);
+    if (earlier && known->target && known->source && known->source->size == entry.size) {
         const auto identity = FileIdentity::of(source);
         if (identity && isDone(*known, *identity)) {
             m_now.insert(entry.path, *known);
@@ -249,20 +250,24 @@ void ArchiveRun::planDocument(const ArchiveEntry& entry)
     const QFileInfo target(m_settings.target + QLatin1Char('/') + entry.path);
     const bool hasPlace = ArchiveTree::hasPlaceFor(m_settings.target, entry.path);
     const bool isTaken = target.exists() || target.isSymLink();
-    const bool mayReplace = isOurTarget || m_commandLine.forces;
+    const bool mayReplace = earlier || m_commandLine.forces;
     m_documents.push_back(
-        {entry.path, entry.size, mayReplace, !hasPlace || (isTaken && !mayReplace)});
+        {entry.path, entry.size, mayReplace, !hasPlace || (isTaken && !mayReplace), earlier});
 }
 
-// The target stands as an earlier run has written it.
-bool ArchiveRun::isOurs(const QString& path) const
+// What an earlier run has written, when it stands as it was.
+std::optional<FileIdentity> ArchiveRun::ourTarget(const QString& path) const
 {
     const auto known = m_before.find(path);
+    if (known == m_before.end()) {
+        return std::nullopt;
+    }
     const QString target = m_settings.target + QLatin1Char('/') + path;
-    return known != m_before.end() && known->target &&
-           QFileInfo(target).size() == known->target->size &&
-           ArchiveTree::hasPlaceFor(m_settings.target, path) &&
-           FileIdentity::of(target) == known->target;
+    const std::optional<FileIdentity> written = known->target ? known->target : known->earlier;
+    const bool isIt = written && QFileInfo(target).size() == written->size &&
+                      ArchiveTree::hasPlaceFor(m_settings.target, path) &&
+                      FileIdentity::of(target) == written;
+    return isIt ? written : std::nullopt;
 }
 
 bool ArchiveRun::isDone(const DocumentRecord& record, const FileIdentity& source) const
@@ -279,7 +284,7 @@ void ArchiveRun::countGone(const std::vector<ArchiveEntry>& entries)
         paths.insert(entry.path);
     }
     for (const DocumentRecord& record : qAsConst(m_before)) {
-        if (record.target && paths.count(record.path) == 0) {
+        if ((record.target || record.earlier) && paths.count(record.path) == 0) {
             m_now.insert(record.path, record);
             m_summary.addGone();
         }
@@ -400,6 +405,7 @@ bool ArchiveRun::finishReport()
         if (!m_now.contains(document.path)) {
             DocumentRecord record;
             record.path = document.path;
+            record.earlier = document.earlier;
             record.reason = QStringLiteral("broke-off");
             record.text = QStringLiteral("the work on it broke off");
             take(record);

@@ -31,7 +31,7 @@ private:
     void plan();
     void planDocument(const ArchiveEntry& entry);
     bool isDone(const DocumentRecord& record, const FileIdentity& source) const;
-    bool isOurs(const QString& path) const;
+    std::optional<FileIdentity> ourTarget(const QString& path) const;
     void countGone(const std::vector<ArchiveEntry>& entries);
     void tellWhatStandsInTheWay() const;
     ArchiveStatus convertAll(const QString& folder);

@@ -153,6 +153,7 @@ DocumentJob::DocumentJob(const ArchiveSettings& settings, const PlannedDocument&
       m_source(settings.source + QLatin1Char('/') + document.path)
 {
     m_record.path = document.path;
+    m_record.earlier = document.earlier;
 }
 
 bool DocumentJob::beginsLikeXml(const QString& path)
@@ -263,6 +264,7 @@ bool DocumentJob::write()
         failToWrite();
         return false;
     }
+    m_record.earlier.reset();
     return true;
 }
 
@@ -341,6 +343,7 @@ void DocumentJob::failToWrite()
         QStringLiteral("its output cannot be written: %1")
             .arg(QString::fromLocal8Bit(std::strerror(errno))));
     m_record.target.reset();
+    m_record.earlier = m_document.earlier;
 }
 
 void DocumentJob::commit()

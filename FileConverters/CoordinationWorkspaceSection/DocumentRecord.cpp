@@ -19,19 +19,6 @@ constexpr double MILLISECONDS = 1000.0;
 // In the order of the outcomes.
 constexpr std::array OUTCOMES = {"converted", "current", "lossy", "refused", "limit", "failed"};
 
-QJsonObject objectOf(const FileIdentity& identity)
-{
-    return {{"size", identity.size}, {"sha256", identity.sha256}};
-}
-
-std::optional<FileIdentity> identityFrom(const QJsonValue& value)
-{
-    if (!value.isObject()) {
-        return std::nullopt;
-    }
-    return FileIdentity{static_cast<qint64>(value["size"].toDouble()), value["sha256"].toString()};
-}
-
 QJsonArray arrayOf(const std::vector<LossSummary>& losses)
 {
     QJsonArray array;
@@ -56,6 +43,19 @@ std::vector<LossSummary> lossesFrom(const QJsonArray& array)
 }
 
 } // namespace
+
+QJsonObject FileIdentity::toJson() const
+{
+    return {{"size", size}, {"sha256", sha256}};
+}
+
+std::optional<FileIdentity> FileIdentity::fromJson(const QJsonValue& value)
+{
+    if (!value.isObject()) {
+        return std::nullopt;
+    }
+    return FileIdentity{static_cast<qint64>(value["size"].toDouble()), value["sha256"].toString()};
+}
 
 std::optional<FileIdentity> FileIdentity::of(const QString& path)
 {
@@ -96,10 +96,13 @@ QByteArray DocumentRecord::toLine() const
         object.insert("text", text);
     }
     if (source) {
-        object.insert("source", objectOf(*source));
+        object.insert("source", source->toJson());
     }
     if (target) {
-        object.insert("target", objectOf(*target));
+        object.insert("target", target->toJson());
+    }
+    if (earlier) {
+        object.insert("earlier", earlier->toJson());
     }
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
@@ -118,8 +121,9 @@ std::optional<DocumentRecord> DocumentRecord::fromLine(const QByteArray& line)
     record.outcome = static_cast<Outcome>(outcome - OUTCOMES.begin());
     record.reason = object["reason"].toString();
     record.text = object["text"].toString();
-    record.source = identityFrom(object["source"]);
-    record.target = identityFrom(object["target"]);
+    record.source = FileIdentity::fromJson(object["source"]);
+    record.target = FileIdentity::fromJson(object["target"]);
+    record.earlier = FileIdentity::fromJson(object["earlier"]);
     record.losses = lossesFrom(object["losses"].toArray());
     record.isVerified = object["verified"].toBool();
     record.seconds = object["seconds"].toDouble();

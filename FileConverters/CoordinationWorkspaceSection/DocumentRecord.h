@@ -6,6 +6,9 @@
 #include <optional>
 #include <vector>
 
+class QJsonObject;
+class QJsonValue;
+
 /** A file's bytes, as far as telling one from another takes. */
 struct FileIdentity
 {
@@ -14,6 +17,11 @@ struct FileIdentity
 
     /** @return none when the file cannot be read. */
     static std::optional<FileIdentity> of(const QString& path);
+
+    QJsonObject toJson() const;
+
+    /** @return none when the value is no object. */
+    static std::optional<FileIdentity> fromJson(const QJsonValue& value);
 };
 
 bool operator==(const FileIdentity& one, const FileIdentity& other);
@@ -47,6 +55,8 @@ struct DocumentRecord
     QString text;                       ///< why, for people
     std::optional<FileIdentity> source; ///< none when it was not read
     std::optional<FileIdentity> target; ///< none when nothing was written
+    std::optional<FileIdentity>
+        earlier; ///< what a run wrote for a former version, and still stands
     std::vector<LossSummary> losses;
     bool isVerified = false; ///< the target was compared with the source by a reading of its own
     double seconds = 0;

@@ -470,6 +470,22 @@ class TakingUp(ArchiveTest):
                           "c.xml": converted(LOSSY), "d.xml": converted(CLEAN)})
         self.assertEqual(written(self.archive.target / "b.xml"), kept)
 
+    def test_a_target_stays_ours_while_its_document_is_broken(self):
+        self.archive.add("a.xml", CLEAN)
+        self.run_archive(DONE)
+        for trouble, status in ((BROKEN, FAILED), (NEWER, REFUSED), (STRANGER, DONE)):
+            self.archive.add("a.xml", trouble)
+            for _ in range(2):
+                run = self.run_archive(status)
+                self.assertEqual(run.stderr, b"")
+            self.assertEqual((self.archive.target / "a.xml").read_bytes(), converted(CLEAN))
+        (self.archive.source / "a.xml").unlink()
+        self.run_archive(DONE)
+        self.archive.add("a.xml", LOSSY)
+        self.run_archive(DONE)
+        self.assertEqual((self.archive.target / "a.xml").read_bytes(), converted(LOSSY))
+        self.assertNotIn("earlier", self.archive.records()["a.xml"])
+
     def test_a_change_that_keeps_size_and_time_is_seen(self):
         file = self.archive.add("a.xml", CLEAN)
         self.run_archive(DONE)
