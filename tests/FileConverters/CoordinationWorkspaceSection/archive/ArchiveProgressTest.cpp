@@ -1,0 +1,42 @@
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveProgress.h"
+
+#include <QtTest>
+
+class ArchiveProgressTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theTimeLeftGoesByTheBytes_data();
+    void theTimeLeftGoesByTheBytes();
+    void beforeTheFirstDocumentNothingIsKnown();
+};
+
+void ArchiveProgressTest::theTimeLeftGoesByTheBytes_data()
+{
+    QTest::addColumn<qint64>("bytesDone");
+    QTest::addColumn<qint64>("milliseconds");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("half") << qint64(500) << qint64(7000) << "1 of 4 documents, 7 s left";
+    QTest::newRow("a tenth") << qint64(100) << qint64(20000) << "1 of 4 documents, 3 min left";
+    QTest::newRow("hours") << qint64(1) << qint64(5000) << "1 of 4 documents, 1 h 23 min left";
+    QTest::newRow("all") << qint64(1000) << qint64(5000) << "1 of 4 documents, 0 s left";
+}
+
+void ArchiveProgressTest::theTimeLeftGoesByTheBytes()
+{
+    QFETCH(qint64, bytesDone);
+    QFETCH(qint64, milliseconds);
+    ArchiveProgress progress(4, 1000, false);
+    progress.advance(bytesDone);
+    QTEST(progress.textAfter(milliseconds), "text");
+}
+
+void ArchiveProgressTest::beforeTheFirstDocumentNothingIsKnown()
+{
+    QCOMPARE(ArchiveProgress(4, 1000, false).textAfter(5000), QString("0 of 4 documents"));
+}
+
+QTEST_GUILESS_MAIN(ArchiveProgressTest)
+
+#include "ArchiveProgressTest.moc"
