@@ -14,14 +14,14 @@ constexpr mode_t NEW_FILE_MODE = 0666; // less the user's mask
 
 } // namespace
 
-ArchiveLock::ArchiveLock(const QString& file)
-    // Not closed on exec, on purpose.
-    : m_descriptor(open(QFile::encodeName(file).constData(), O_RDWR | O_CREAT, NEW_FILE_MODE))
+ArchiveLock::ArchiveLock(const QString& file, Kind kind)
+    : m_descriptor(
+          open(QFile::encodeName(file).constData(), O_RDWR | O_CREAT | O_CLOEXEC, NEW_FILE_MODE))
 {
     if (m_descriptor < 0) {
         return;
     }
-    if (flock(m_descriptor, LOCK_EX | LOCK_NB) == 0) {
+    if (flock(m_descriptor, (kind == ALONE ? LOCK_EX : LOCK_SH) | LOCK_NB) == 0) {
         m_state = HELD;
     } else if (errno == EWOULDBLOCK) {
         m_state = BUSY;

@@ -5,16 +5,19 @@
 /**
  * Keeps two runs out of the same target.
  *
- * The processes that a run starts hold the lock as well (flock(2) belongs to the open file, which
- * they inherit): after a run is killed, the next one is kept out until the last job has ended.
+ * A run holds one file by itself. Each job holds another one together with the other jobs: after a
+ * run is killed, the next one is kept out until the last of its jobs has ended. They cannot simply
+ * inherit the run's lock, since what Parallel starts on its own account would inherit it too, and
+ * when Parallel is killed some of that sleeps on for hours.
  */
 class ArchiveLock
 {
 public:
+    enum Kind { ALONE, TOGETHER };
     enum State { HELD, BUSY, FAILED };
 
-    /** @param file  made when there is none, and left behind. */
-    explicit ArchiveLock(const QString& file);
+    /** Does not wait. @param file  made when there is none, and left behind. */
+    ArchiveLock(const QString& file, Kind kind);
     ~ArchiveLock();
     ArchiveLock(const ArchiveLock&) = delete;
     ArchiveLock& operator=(const ArchiveLock&) = delete;

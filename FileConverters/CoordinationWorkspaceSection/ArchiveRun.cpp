@@ -14,6 +14,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QUuid>
 
 #include <algorithm>
 #include <cerrno>
@@ -31,6 +32,7 @@ namespace {
 constexpr int MOST_DOCUMENTS_A_JOB = 64;
 constexpr qint64 MOST_BYTES_A_JOB = 1000000;
 constexpr int JOBS_A_CORE = 4; // at least, so that no core waits long for the last one
+const QString PLAN_BEGIN = QStringLiteral("plan-");
 constexpr int WAIT_MS = 100;
 constexpr int PARALLEL_FAILED = 255; // apart from jobs that failed
 constexpr qint64 BYTES_PER_KILOBYTE = 1024;
@@ -150,19 +152,36 @@ ArchiveStatus ArchiveRun::run()
     if (!StableStorage::makeFolders(m_settings.folder())) {
         return sayCannotWrite(m_settings.folder());
     }
-    const ArchiveLock lock(m_settings.folder() + QStringLiteral("/lock"));
-    switch (lock.state()) {
-    case ArchiveLock::BUSY:
+    return runAlone();
+}
+
+ArchiveStatus ArchiveRun::runAlone()
+{
+    const ArchiveLock lock(m_settings.runLock(), ArchiveLock::ALONE);
+    if (lock.state() == ArchiveLock::FAILED) {
+        return sayCannotWrite(m_settings.folder());
+    }
+    if (lock.state() == ArchiveLock::BUSY || !endFormerRun()) {
         say(QStringLiteral("another run, or what is left of one, is at work in %1")
                 .arg(m_settings.target));
         return ARCHIVE_BUSY;
-    case ArchiveLock::FAILED:
-        return sayCannotWrite(m_settings.folder());
-    case ArchiveLock::HELD:
-        break;
     }
     ArchiveTree::sweep(m_settings.target);
     return runWithFolder(m_settings.folder());
+}
+
+// A job that a former run has not come to start finds its plan gone.
+bool ArchiveRun::endFormerRun() const
+{
+    const ArchiveLock jobs(m_settings.jobsLock(), ArchiveLock::ALONE);
+    if (jobs.state() != ArchiveLock::HELD) {
+        return false;
+    }
+    const QDir folder(m_settings.folder());
+    for (const QString& plan : folder.entryList({PLAN_BEGIN + QLatin1Char('*')}, QDir::Files)) {
+        QFile::remove(folder.filePath(plan));
+    }
+    return true;
 }
 
 ArchiveStatus ArchiveRun::runWithFolder(const QString& folder)
@@ -175,7 +194,9 @@ ArchiveStatus ArchiveRun::runWithFolder(const QString& folder)
     if (!reportOwnRecords()) {
         return sayCannotWrite(m_settings.report);
     }
-    const ArchiveStatus status = convertAll(folder);
+    m_planFile =
+        folder + QLatin1Char('/') + PLAN_BEGIN + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    const ArchiveStatus status = convertAll();
     if (status != ARCHIVE_DONE) {
         return status;
     }
@@ -323,7 +344,7 @@ void ArchiveRun::take(const DocumentRecord& record)
     }
 }
 
-ArchiveStatus ArchiveRun::convertAll(const QString& folder)
+ArchiveStatus ArchiveRun::convertAll()
 {
     const int cores = m_commandLine.jobs > 0 ? m_commandLine.jobs : QThread::idealThreadCount();
     qint64 bytes = 0;
@@ -334,7 +355,7 @@ ArchiveStatus ArchiveRun::convertAll(const QString& folder)
     for (const auto& [jobs, documents] : byMemory(m_documents, cores)) {
         const int share = static_cast<int>(documents.size()) / (jobs * JOBS_A_CORE);
         const int batch = std::clamp(share, 1, MOST_DOCUMENTS_A_JOB);
-        const ArchiveStatus status = convertWith(folder, documents, jobs, batch, progress);
+        const ArchiveStatus status = convertWith(documents, jobs, batch, progress);
         if (status != ARCHIVE_DONE) {
             return status;
         }
@@ -344,26 +365,24 @@ ArchiveStatus ArchiveRun::convertAll(const QString& folder)
     std::copy_if(
         m_documents.begin(), m_documents.end(), std::back_inserter(left),
         [this](const PlannedDocument& document) { return !m_now.contains(document.path); });
-    const ArchiveStatus status = convertWith(folder, left, 1, 1, progress);
+    const ArchiveStatus status = convertWith(left, 1, 1, progress);
     progress.clear();
     return status;
 }
 
-ArchiveStatus ArchiveRun::convertWith(const QString& folder,
-                                      const std::vector<PlannedDocument>& documents, int jobs,
+ArchiveStatus ArchiveRun::convertWith(const std::vector<PlannedDocument>& documents, int jobs,
                                       int batch, ArchiveProgress& progress)
 {
     if (documents.empty()) {
         return ARCHIVE_DONE;
     }
-    const QString planFile = folder + QStringLiteral("/plan.jsonl");
     const std::vector<PlannedJob> planned =
-        ArchivePlan::write(planFile, m_settings, jobsOf(documents, batch));
+        ArchivePlan::write(m_planFile, m_settings, jobsOf(documents, batch));
     if (planned.empty()) {
-        return sayCannotWrite(planFile);
+        return sayCannotWrite(m_planFile);
     }
     const QTemporaryDir home;
-    ParallelProcess parallel(m_worker, planFile, home.path());
+    ParallelProcess parallel(m_worker, m_planFile, home.path());
     if (!parallel.startJobs(planned, jobs)) {
         say(QStringLiteral("GNU Parallel cannot be started"));
         return ARCHIVE_UNAVAILABLE;
@@ -414,7 +433,7 @@ bool ArchiveRun::finishReport()
     if (m_commandLine.isTrial) {
         return true;
     }
-    QFile::remove(m_settings.folder() + QStringLiteral("/plan.jsonl"));
+    QFile::remove(m_planFile);
     return ArchiveReport::replace(m_settings.report, m_now) &&
            (QFile::remove(m_settings.pendingReport()) ||
             !QFile::exists(m_settings.pendingReport()));

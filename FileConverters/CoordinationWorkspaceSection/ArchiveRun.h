@@ -25,6 +25,8 @@ public:
     ArchiveStatus run();
 
 private:
+    ArchiveStatus runAlone();
+    bool endFormerRun() const;
     ArchiveStatus runWithFolder(const QString& folder);
     bool takeUp();
     bool recoverPending();
@@ -34,9 +36,9 @@ private:
     std::optional<FileIdentity> ourTarget(const QString& path) const;
     void countGone(const std::vector<ArchiveEntry>& entries);
     void tellWhatStandsInTheWay() const;
-    ArchiveStatus convertAll(const QString& folder);
-    ArchiveStatus convertWith(const QString& folder, const std::vector<PlannedDocument>& documents,
-                              int jobs, int batch, ArchiveProgress& progress);
+    ArchiveStatus convertAll();
+    ArchiveStatus convertWith(const std::vector<PlannedDocument>& documents, int jobs, int batch,
+                              ArchiveProgress& progress);
     void readRecords(ParallelProcess& parallel, ArchiveProgress& progress);
     void take(const DocumentRecord& record);
     bool reportOwnRecords();
@@ -45,6 +47,7 @@ private:
     const ArchiveCommandLine m_commandLine;
     const QString m_worker;
     ArchiveSettings m_settings;
+    QString m_planFile;
     ArchiveReport::Records m_before; // what the report told when the run began
     ArchiveReport::Records m_now;    // what this run tells
     std::vector<PlannedDocument> m_documents;

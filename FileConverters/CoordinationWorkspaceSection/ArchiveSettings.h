@@ -34,6 +34,10 @@ struct ArchiveSettings
     /** The folder of a run's own files in the target. */
     QString folder() const { return target + QLatin1Char('/') + FOLDER; }
 
+    /** What a run holds alone, and what its jobs hold together. */
+    QString runLock() const { return folder() + QStringLiteral("/lock"); }
+    QString jobsLock() const { return folder() + QStringLiteral("/jobs"); }
+
     /** What will stand when the report tells it; the lines that it gets then. */
     QString pendingReport() const { return folder() + QStringLiteral("/pending.jsonl"); }
 

@@ -2,13 +2,17 @@
 //
 // usage: coordworkspace-archive-worker PLAN OFFSET COUNT
 
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveLock.h"
 #include "FileConverters/CoordinationWorkspaceSection/ArchivePlan.h"
 #include "FileConverters/CoordinationWorkspaceSection/DocumentBatch.h"
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
 
+#include <QFile>
+
 #include <cerrno>
 #include <cstring>
 #include <iostream>
+#include <optional>
 
 namespace {
 
@@ -37,10 +41,18 @@ int main(int argc, char** argv)
     }
     ArchiveSettings settings;
     const PlannedJob job = {QByteArray(argv[2]).toLongLong(), QByteArray(argv[3]).toInt()};
-    const std::vector<PlannedDocument> documents =
-        ArchivePlan::read(QString(argv[1]), job, settings);
+    const QString plan(argv[1]);
+    const std::vector<PlannedDocument> documents = ArchivePlan::read(plan, job, settings);
     if (documents.empty()) {
         return fail("the plan cannot be read");
+    }
+    std::optional<ArchiveLock> lock;
+    if (!settings.isTrial()) {
+        lock.emplace(settings.jobsLock(), ArchiveLock::TOGETHER);
+        // The plan of a run that is over is gone, and another may be at work.
+        if (lock->state() != ArchiveLock::HELD || !QFile::exists(plan)) {
+            return fail("the run is over");
+        }
     }
     const std::vector<DocumentRecord> records = convertBatch(settings, documents);
     if (records.empty()) {

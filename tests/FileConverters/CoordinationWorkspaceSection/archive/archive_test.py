@@ -23,7 +23,7 @@ import unittest
 import jsonschema
 
 from archives import (BROKEN, CLEAN, LOSSY, NEWER, NO_UUID, OLD, REPORT, SEVERAL, STRANGER,
-                      Archive, bomb, contents)
+                      Archive, bomb, contents, is_locked)
 
 PROGRAMS = pathlib.Path()
 PROJECT = pathlib.Path()
@@ -545,12 +545,24 @@ class TakingUp(ArchiveTest):
     def test_a_second_run_at_the_same_time_is_refused(self):
         self.archive.add("a.xml", CLEAN)
         (self.archive.target / ".coordworkspace").mkdir(parents=True)
-        with open(self.archive.target / ".coordworkspace/lock", "w") as lock:
-            fcntl.flock(lock, fcntl.LOCK_EX)
-            run = self.run_archive(BUSY)
-            self.assertEqual((run.stdout, self.archive.targets()), (b"", {}))
-            fcntl.flock(lock, fcntl.LOCK_UN)
-            self.run_archive(DONE)
+        for name in ("lock", "jobs"):
+            with open(self.archive.target / ".coordworkspace" / name, "w") as lock:
+                fcntl.flock(lock, fcntl.LOCK_EX)
+                run = self.run_archive(BUSY)
+                self.assertEqual((run.stdout, self.archive.targets()), (b"", {}))
+        self.run_archive(DONE)
+
+    def test_what_parallel_leaves_behind_keeps_nobody_out(self):
+        """Killed while it starts, it leaves sleeping processes of its own."""
+        self.slow_programs()
+        self.archive.add("a.xml", CLEAN)
+        run = self.start_slowly()
+        parallel = self.child_of(run.pid)
+        held = [os.readlink(link) for link in pathlib.Path(f"/proc/{parallel}/fd").iterdir()]
+        self.assertNotIn(str(self.archive.target / ".coordworkspace/lock"), held)
+        self.assertNotIn(str(self.archive.target / ".coordworkspace/jobs"), held)
+        run.terminate()
+        run.communicate(timeout=60)
 
     def slow_programs(self):
         """Programs whose converter waits until the file "go" is there."""
@@ -580,12 +592,7 @@ class TakingUp(ArchiveTest):
             time.sleep(0.02)
 
     def is_locked(self):
-        with open(self.archive.target / ".coordworkspace/lock") as lock:
-            try:
-                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-            except BlockingIOError:
-                return True
-        return False
+        return is_locked(self.archive.target)
 
     def test_jobs_of_a_killed_run_keep_the_next_one_out(self):
         self.slow_programs()

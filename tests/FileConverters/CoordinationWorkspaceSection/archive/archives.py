@@ -1,5 +1,6 @@
 """Archives of workspace documents for the tests of the archive program."""
 
+import fcntl
 import json
 import os
 import pathlib
@@ -71,6 +72,20 @@ class Archive:
     def targets(self):
         """What stands below the target, by path: contents, mode and time."""
         return contents(self.target)
+
+
+def is_locked(target):
+    """Whether a run or a job of one is at work."""
+    for name in ("lock", "jobs"):
+        file = pathlib.Path(target, ".coordworkspace", name)
+        if not file.exists():
+            continue
+        with open(file) as lock:
+            try:
+                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+            except BlockingIOError:
+                return True
+    return False
 
 
 def contents(folder):

@@ -14,7 +14,6 @@ and change, and the last run has to leave the same bytes as one clean run.
 
 import argparse
 import collections
-import fcntl
 import itertools
 import os
 import pathlib
@@ -28,7 +27,7 @@ import tempfile
 import time
 
 from archives import (BROKEN, CLEAN, LOSSY, NEWER, NO_UUID, OLD, SECONDS_A_RUN, STRANGER, Archive,
-                      contents)
+                      contents, is_locked)
 
 FRONT_END = "coordworkspace-convert-archive"
 WORKER = "coordworkspace-archive-worker"
@@ -68,16 +67,10 @@ def killed_before(call, arguments):
 
 
 def wait_for_jobs(archive):
-    """Until the last process of a killed run has ended, which holds the lock as well."""
+    """Until the last job of a killed run has ended."""
     end = time.monotonic() + SECONDS_A_RUN
-    file = archive.target / ".coordworkspace/lock"
-    while file.exists():
-        with open(file) as lock:
-            try:
-                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
-                return
-            except BlockingIOError:
-                assert time.monotonic() < end, "the jobs of a killed run go on for ever"
+    while is_locked(archive.target):
+        assert time.monotonic() < end, "the jobs of a killed run go on for ever"
         time.sleep(0.01)
 
 
