@@ -5,7 +5,6 @@
 #include <cerrno>
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 namespace {
@@ -21,9 +20,14 @@ ArchiveLock::ArchiveLock(const QString& file, Kind kind)
     if (m_descriptor < 0) {
         return;
     }
-    if (flock(m_descriptor, (kind == ALONE ? LOCK_EX : LOCK_SH) | LOCK_NB) == 0) {
+    struct flock lock
+    {
+    };
+    lock.l_type = kind == ALONE ? F_WRLCK : F_RDLCK;
+    lock.l_whence = SEEK_SET; // and no length: the whole file
+    if (fcntl(m_descriptor, F_SETLK, &lock) == 0) {
         m_state = HELD;
-    } else if (errno == EWOULDBLOCK) {
+    } else if (errno == EACCES || errno == EAGAIN) {
         m_state = BUSY;
     }
 }

@@ -6,9 +6,11 @@
  * Keeps two runs out of the same target.
  *
  * A run holds one file by itself. Each job holds another one together with the other jobs: after a
- * run is killed, the next one is kept out until the last of its jobs has ended. They cannot simply
- * inherit the run's lock, since what Parallel starts on its own account would inherit it too, and
- * when Parallel is killed some of that sleeps on for hours.
+ * run is killed, the next one is kept out until the last of its jobs has ended.
+ *
+ * The locks are POSIX record locks (fcntl, F_SETLK): they belong to the process and go with it.
+ * What a killed process leaves behind must not hold them: Parallel has processes of its own that
+ * sleep on for hours, and a child that is forked but not yet released to exec waits for ever.
  */
 class ArchiveLock
 {

@@ -547,22 +547,10 @@ class TakingUp(ArchiveTest):
         (self.archive.target / ".coordworkspace").mkdir(parents=True)
         for name in ("lock", "jobs"):
             with open(self.archive.target / ".coordworkspace" / name, "w") as lock:
-                fcntl.flock(lock, fcntl.LOCK_EX)
+                fcntl.lockf(lock, fcntl.LOCK_EX)
                 run = self.run_archive(BUSY)
                 self.assertEqual((run.stdout, self.archive.targets()), (b"", {}))
         self.run_archive(DONE)
-
-    def test_what_parallel_leaves_behind_keeps_nobody_out(self):
-        """Killed while it starts, it leaves sleeping processes of its own."""
-        self.slow_programs()
-        self.archive.add("a.xml", CLEAN)
-        run = self.start_slowly()
-        parallel = self.child_of(run.pid)
-        held = [os.readlink(link) for link in pathlib.Path(f"/proc/{parallel}/fd").iterdir()]
-        self.assertNotIn(str(self.archive.target / ".coordworkspace/lock"), held)
-        self.assertNotIn(str(self.archive.target / ".coordworkspace/jobs"), held)
-        run.terminate()
-        run.communicate(timeout=60)
 
     def slow_programs(self):
         """Programs whose converter waits until the file "go" is there."""

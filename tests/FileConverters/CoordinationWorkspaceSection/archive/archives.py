@@ -80,9 +80,9 @@ def is_locked(target):
         file = pathlib.Path(target, ".coordworkspace", name)
         if not file.exists():
             continue
-        with open(file) as lock:
+        with open(file, "r+") as lock:
             try:
-                fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+                fcntl.lockf(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
             except BlockingIOError:
                 return True
     return False
