@@ -1,8 +1,9 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveCommandLine.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveTree.h"
+
 #include <QCommandLineOption>
 #include <QCommandLineParser>
-#include <QFileInfo>
 
 namespace {
 
@@ -84,11 +85,6 @@ ArchiveCommandLine::Task taskOf(const QCommandLineParser& parser)
                                                        : ArchiveCommandLine::CONVERT;
 }
 
-QString absolute(const QString& path)
-{
-    return QFileInfo(path).absoluteFilePath();
-}
-
 } // namespace
 
 QString ArchiveCommandLine::parse(const QStringList& arguments)
@@ -128,11 +124,15 @@ QString ArchiveCommandLine::parse(const QStringList& arguments)
     if (folders.size() != 2 || folders.contains(QString())) {
         return QStringLiteral("the folders SOURCE and TARGET are to be named");
     }
-    settings.source = absolute(folders[0]);
-    settings.target = absolute(folders[1]);
+    settings.source = ArchiveTree::realPath(folders[0]);
+    settings.target = ArchiveTree::realPath(folders[1]);
+    if (parser.isSet(QStringLiteral("report")) &&
+        parser.value(QStringLiteral("report")).isEmpty()) {
+        return QStringLiteral("--report is the name of a file");
+    }
     settings.report = parser.isSet(QStringLiteral("report"))
-                          ? absolute(parser.value(QStringLiteral("report")))
-                          : settings.folder() + QStringLiteral("/report.jsonl");
+                          ? ArchiveTree::realPath(parser.value(QStringLiteral("report")))
+                          : settings.usualReport();
     return {};
 }
 

@@ -3,6 +3,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveSettings.h"
 #include "FileConverters/CoordinationWorkspaceSection/DocumentRecord.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <vector>
@@ -30,6 +31,9 @@ struct PlannedJob
  * Names go through a file, so that no shell between the two has to quote them.
  */
 namespace ArchivePlan {
+
+/** How a line of a worker begins that tells why the run cannot go on. Its others are records. */
+inline const QByteArray PROBLEM = QByteArrayLiteral("problem: ");
 
 /** Writes the plan. @return the jobs, as told by @p jobs; empty when the file cannot be written. */
 std::vector<PlannedJob> write(const QString& file, const ArchiveSettings& settings,

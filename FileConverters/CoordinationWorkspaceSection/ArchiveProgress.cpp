@@ -3,6 +3,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
 
 #include <iostream>
+#include <utility>
 
 namespace {
 
@@ -28,8 +29,8 @@ QString durationText(qint64 milliseconds)
 
 } // namespace
 
-ArchiveProgress::ArchiveProgress(int documents, qint64 bytes, bool isTerminal)
-    : m_documents(documents), m_bytes(bytes), m_isTerminal(isTerminal),
+ArchiveProgress::ArchiveProgress(QString what, int count, qint64 bytes, bool isTerminal)
+    : m_what(std::move(what)), m_count(count), m_bytes(bytes), m_isTerminal(isTerminal),
       m_nextShow(isTerminal ? 0 : LINE_INTERVAL_MS)
 {
     m_timer.start();
@@ -37,13 +38,14 @@ ArchiveProgress::ArchiveProgress(int documents, qint64 bytes, bool isTerminal)
 
 void ArchiveProgress::advance(qint64 bytes)
 {
-    ++m_documentsDone;
+    ++m_countDone;
     m_bytesDone += bytes;
 }
 
 QString ArchiveProgress::textAfter(qint64 milliseconds) const
 {
-    QString text = QStringLiteral("%1 of %2 documents").arg(m_documentsDone).arg(m_documents);
+    QString text = QStringLiteral("%1 of %2 %3")
+                       .arg(QString::number(m_countDone), QString::number(m_count), m_what);
     if (m_bytesDone > 0) {
         const auto left = static_cast<double>(m_bytes - m_bytesDone);
         const double pace = static_cast<double>(milliseconds) / static_cast<double>(m_bytesDone);

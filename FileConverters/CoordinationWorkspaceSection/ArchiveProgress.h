@@ -11,11 +11,12 @@ class ArchiveProgress
 {
 public:
     /**
-     * @param bytes  of all the documents; time goes by them rather than by their number.
+     * @param what   is counted, in the plural.
+     * @param bytes  of all of it; time goes by them rather than by their number.
      */
-    ArchiveProgress(int documents, qint64 bytes, bool isTerminal);
+    ArchiveProgress(QString what, int count, qint64 bytes, bool isTerminal);
 
-    /** One more document is done. */
+    /** One more is done. */
     void advance(qint64 bytes);
 
     /** Shows it when it is time to. */
@@ -28,10 +29,11 @@ public:
     QString textAfter(qint64 milliseconds) const;
 
 private:
-    const int m_documents;
+    const QString m_what;
+    const int m_count;
     const qint64 m_bytes;
     const bool m_isTerminal;
-    int m_documentsDone = 0;
+    int m_countDone = 0;
     qint64 m_bytesDone = 0;
     qint64 m_nextShow;
     QElapsedTimer m_timer;

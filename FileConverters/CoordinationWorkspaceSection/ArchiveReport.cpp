@@ -89,15 +89,15 @@ bool ArchiveReport::replace(const QString& file, const Records& records)
     for (const DocumentRecord& record : records) {
         lines += record.toLine();
     }
+    const QFileInfo info(file);
+    const std::unique_ptr<AtomicFile> part =
+        AtomicFile::beginAlone(info.absolutePath(), info.fileName());
+    if (!part) {
+        return false;
+    }
     QFile report(file);
     if (report.open(QIODevice::ReadOnly) && report.readAll() == lines) {
         return true;
-    }
-    const QFileInfo info(file);
-    const std::unique_ptr<AtomicFile> part =
-        AtomicFile::begin(info.absolutePath(), info.fileName());
-    if (!part) {
-        return false;
     }
     QFile output(part->partPath());
     if (!output.open(QIODevice::WriteOnly) || output.write(lines) != lines.size() ||

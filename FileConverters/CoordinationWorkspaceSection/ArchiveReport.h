@@ -32,7 +32,7 @@ bool append(const QString& file, const std::vector<DocumentRecord>& records);
 
 /**
  * Replaces the file by one that has one line a document, by path. A file that is so already stays
- * as it is.
+ * as it is. May be called by one process at a time.
  *
  * @return false, with errno set, when it failed.
  */

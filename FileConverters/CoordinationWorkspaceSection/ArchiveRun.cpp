@@ -2,11 +2,11 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveLock.h"
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveProgress.h"
-#include "FileConverters/CoordinationWorkspaceSection/DocumentJob.h"
 #include "FileConverters/CoordinationWorkspaceSection/ParallelProcess.h"
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
 #include "FileConverters/CoordinationWorkspaceSection/StableStorage.h"
 #include "FileConverters/CoordinationWorkspaceSection/StopSignals.h"
+#include "FileConverters/CoordinationWorkspaceSection/TextLayout.h"
 #include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
 
 #include <QDir>
@@ -19,27 +19,25 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <functional>
 #include <iostream>
-#include <map>
+#include <iterator>
+#include <numeric>
 #include <set>
 #include <utility>
 
 namespace {
 
-// A job of small documents takes as long as some of the larger ones, so that what Parallel needs to
-// start a job does not count, and a killed run loses little.
-constexpr int MOST_DOCUMENTS_A_JOB = 64;
-constexpr qint64 MOST_BYTES_A_JOB = 1000000;
-constexpr int JOBS_A_CORE = 4; // at least, so that no core waits long for the last one
 const QString PLAN_BEGIN = QStringLiteral("plan-");
+const QString PARALLEL_FOLDER = QStringLiteral("/parallel");
 constexpr int WAIT_MS = 100;
 constexpr int PARALLEL_FAILED = 255; // apart from jobs that failed
-constexpr qint64 BYTES_PER_KILOBYTE = 1024;
 
 void say(const QString& text)
 {
-    writeUtf8(QStringLiteral("coordworkspace-convert-archive: %1\n").arg(text), std::cerr);
+    // Names of files are in it, and a name may hold what a terminal obeys.
+    writeUtf8(
+        QStringLiteral("coordworkspace-convert-archive: %1\n").arg(TextLayout::printable(text)),
+        std::cerr);
 }
 
 ArchiveStatus sayCannotWrite(const QString& what)
@@ -49,53 +47,17 @@ ArchiveStatus sayCannotWrite(const QString& what)
     return ARCHIVE_NOT_WRITTEN;
 }
 
-qint64 availableMemory()
+ArchiveStatus sayStopped()
 {
-    QFile file(QStringLiteral("/proc/meminfo"));
-    if (file.open(QIODevice::ReadOnly)) {
-        for (const QByteArray& line : file.readAll().split('\n')) {
-            const QList<QByteArray> words = line.simplified().split(' ');
-            if (words[0] == "MemAvailable:" && words.size() > 1) {
-                return words[1].toLongLong() * BYTES_PER_KILOBYTE;
-            }
-        }
-    }
-    return 0; // unknown: one job after the other
+    say(QStringLiteral("stopped; the next run goes on from here"));
+    return ARCHIVE_STOPPED;
 }
 
-/** The documents by how many of them may be converted at the same time, most first. */
-using Classes = std::map<int, std::vector<PlannedDocument>, std::greater<>>;
-
-Classes byMemory(const std::vector<PlannedDocument>& documents, int jobs)
+template <class Entry>
+qint64 bytesOf(const std::vector<Entry>& entries)
 {
-    // What a document takes at the most. Without a limit it is still what a sound one takes.
-    const ArchiveSettings usual;
-    const qint64 available = availableMemory();
-    Classes classes;
-    for (const PlannedDocument& document : documents) {
-        const qint64 memory = usual.limitsFor(document.size).memoryBytes;
-        const int fitting = static_cast<int>(std::clamp<qint64>(available / memory, 1, jobs));
-        classes[fitting].push_back(document);
-    }
-    return classes;
-}
-
-std::vector<std::vector<PlannedDocument>> jobsOf(const std::vector<PlannedDocument>& documents,
-                                                 int mostDocuments)
-{
-    std::vector<std::vector<PlannedDocument>> jobs;
-    qint64 bytes = 0;
-    for (const PlannedDocument& document : documents) {
-        const bool fits = !jobs.empty() && bytes + document.size <= MOST_BYTES_A_JOB &&
-                          static_cast<int>(jobs.back().size()) < mostDocuments;
-        if (!fits) {
-            jobs.emplace_back();
-            bytes = 0;
-        }
-        jobs.back().push_back(document);
-        bytes += document.size;
-    }
-    return jobs;
+    return std::accumulate(entries.begin(), entries.end(), qint64(0),
+                           [](qint64 bytes, const Entry& entry) { return bytes + entry.size; });
 }
 
 bool isTerminal()
@@ -107,7 +69,7 @@ bool isTerminal()
 
 ArchiveRun::ArchiveRun(ArchiveCommandLine commandLine, QString worker)
     : m_commandLine(std::move(commandLine)), m_worker(std::move(worker)),
-      m_settings(m_commandLine.settings)
+      m_settings(m_commandLine.settings), m_before(m_settings)
 {
 }
 
@@ -130,8 +92,19 @@ QString ArchiveRun::objection() const
     if (ArchiveTree::overlap(m_settings.source, m_settings.report)) {
         return QStringLiteral("the report is inside SOURCE, where nothing is written");
     }
-    const bool isInTarget = m_settings.report.startsWith(m_settings.folder());
-    if (!isInTarget && !ArchiveReport::mayStandIn(m_settings.report)) {
+    return objectionToReport();
+}
+
+QString ArchiveRun::objectionToReport() const
+{
+    if (m_settings.report == m_settings.usualReport()) {
+        return {}; // in a folder that the run makes
+    }
+    if (ArchiveTree::overlap(m_settings.folder(), m_settings.report)) {
+        return QStringLiteral("the report is among the files that a run keeps for itself: %1")
+            .arg(m_settings.report);
+    }
+    if (!ArchiveReport::mayStandIn(m_settings.report)) {
         return QStringLiteral("the report's place holds something else, or is in no folder: %1")
             .arg(m_settings.report);
     }
@@ -146,10 +119,14 @@ ArchiveStatus ArchiveRun::run()
     }
     if (m_commandLine.isTrial) {
         const QTemporaryDir folder;
+        if (!folder.isValid()) {
+            return sayCannotWrite(QStringLiteral("the folder for temporary files"));
+        }
         m_settings.staging = folder.path();
         return runWithFolder(folder.path());
     }
-    if (!StableStorage::makeFolders(m_settings.folder())) {
+    if (!StableStorage::makeFolders(m_settings.folder()) ||
+        !StableStorage::syncFolders(m_settings.folder(), m_settings.target)) {
         return sayCannotWrite(m_settings.folder());
     }
     return runAlone();
@@ -181,21 +158,25 @@ bool ArchiveRun::endFormerRun() const
     for (const QString& plan : folder.entryList({PLAN_BEGIN + QLatin1Char('*')}, QDir::Files)) {
         QFile::remove(folder.filePath(plan));
     }
+    QDir(m_settings.folder() + PARALLEL_FOLDER).removeRecursively();
     return true;
 }
 
 ArchiveStatus ArchiveRun::runWithFolder(const QString& folder)
 {
-    if (!takeUp()) {
+    if (!m_before.read()) {
         return sayCannotWrite(m_settings.report);
     }
-    plan();
+    if (!plan()) {
+        return sayStopped();
+    }
     tellWhatStandsInTheWay();
     if (!reportOwnRecords()) {
         return sayCannotWrite(m_settings.report);
     }
     m_planFile =
         folder + QLatin1Char('/') + PLAN_BEGIN + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    m_parallelFolder = folder + PARALLEL_FOLDER;
     const ArchiveStatus status = convertAll();
     if (status != ARCHIVE_DONE) {
         return status;
@@ -207,88 +188,60 @@ ArchiveStatus ArchiveRun::runWithFolder(const QString& folder)
     return m_summary.status(m_commandLine.failsIfLossy);
 }
 
-// Reads what earlier runs have told, and tells what a killed one did not come to tell.
-bool ArchiveRun::takeUp()
+// False when the run is asked to stop: finding out what is done already can take a while.
+bool ArchiveRun::plan()
 {
-    if (!m_commandLine.isTrial && !recoverPending()) {
-        return false;
+    const std::vector<ArchiveEntry> entries = ArchiveTree::find(m_settings.source);
+    ArchiveProgress progress(QStringLiteral("files looked at"), static_cast<int>(entries.size()),
+                             bytesOf(entries), isTerminal());
+    for (const ArchiveEntry& entry : entries) {
+        if (StopSignals::isStopping()) {
+            progress.clear();
+            return false;
+        }
+        if (entry.reason.isEmpty()) {
+            planDocument(entry);
+        } else {
+            m_ownRecords.push_back(recordOf(entry));
+        }
+        progress.advance(entry.size);
+        progress.show();
     }
-    m_before = ArchiveReport::read(m_settings.report);
+    progress.clear();
+    countGone(entries);
     return true;
 }
 
-bool ArchiveRun::recoverPending()
+DocumentRecord ArchiveRun::recordOf(const ArchiveEntry& entry) const
 {
-    const ArchiveReport::Records told = ArchiveReport::read(m_settings.report);
-    std::vector<DocumentRecord> standing;
-    for (const DocumentRecord& record : ArchiveReport::read(m_settings.pendingReport())) {
-        const QString target = m_settings.target + QLatin1Char('/') + record.path;
-        const auto known = told.find(record.path);
-        const bool isTold = known != told.end() && known->tellsTheSameAs(record);
-        if (!isTold && FileIdentity::of(target) == record.target &&
-            StableStorage::syncFolder(QFileInfo(target).absolutePath())) {
-            standing.push_back(record);
-        }
-    }
-    return (standing.empty() || ArchiveReport::append(m_settings.report, standing)) &&
-           (QFile::remove(m_settings.pendingReport()) ||
-            !QFile::exists(m_settings.pendingReport()));
-}
-
-void ArchiveRun::plan()
-{
-    const std::vector<ArchiveEntry> entries = ArchiveTree::find(m_settings.source);
-    for (const ArchiveEntry& entry : entries) {
-        if (entry.reason.isEmpty()) {
-            planDocument(entry);
-            continue;
-        }
-        DocumentRecord record;
-        record.path = entry.path;
-        record.outcome = entry.reason == QLatin1String("not-readable") ? DocumentRecord::FAILED
-                                                                       : DocumentRecord::REFUSED;
-        record.reason = entry.reason;
-        record.text = entry.text;
-        record.earlier = ourTarget(entry.path);
-        m_ownRecords.push_back(record);
-    }
-    countGone(entries);
+    DocumentRecord record;
+    record.path = entry.path;
+    record.outcome = entry.outcome;
+    record.reason = entry.reason;
+    record.text = entry.text;
+    record.earlier = m_before.standingTarget(entry.path);
+    return record;
 }
 
 void ArchiveRun::planDocument(const ArchiveEntry& entry)
 {
-    const QString source = m_settings.source + QLatin1Char('/') + entry.path;
-    const auto known = m_before.find(entry.path);
-    const std::optional<FileIdentity> earlier = ourTarget(entry.path);
+    const DocumentRecord* const known = m_before.find(entry.path);
+    const std::optional<FileIdentity> earlier = m_before.standingTarget(entry.path);
     if (earlier && known->target && known->source && known->source->size == entry.size) {
-        const auto identity = FileIdentity::of(source);
+        const auto identity = FileIdentity::of(m_settings.sourceOf(entry.path));
         if (identity && isDone(*known, *identity)) {
             m_now.insert(entry.path, *known);
             m_summary.addDoneBefore(*known);
             return;
         }
     }
-    const QFileInfo target(m_settings.target + QLatin1Char('/') + entry.path);
-    const bool hasPlace = ArchiveTree::hasPlaceFor(m_settings.target, entry.path);
+    const QFileInfo target(m_settings.targetOf(entry.path));
+    const bool hasPlace = ArchiveTree::hasPlaceFor(m_settings.target, entry.path) &&
+                          target.filePath() != m_settings.report;
     const bool isTaken = target.exists() || target.isSymLink();
     const bool mayReplace = earlier || m_commandLine.forces;
     m_documents.push_back(
         {entry.path, entry.size, mayReplace, !hasPlace || (isTaken && !mayReplace), earlier});
-}
-
-// What an earlier run has written, when it stands as it was.
-std::optional<FileIdentity> ArchiveRun::ourTarget(const QString& path) const
-{
-    const auto known = m_before.find(path);
-    if (known == m_before.end()) {
-        return std::nullopt;
-    }
-    const QString target = m_settings.target + QLatin1Char('/') + path;
-    const std::optional<FileIdentity> written = known->target ? known->target : known->earlier;
-    const bool isIt = written && QFileInfo(target).size() == written->size &&
-                      ArchiveTree::hasPlaceFor(m_settings.target, path) &&
-                      FileIdentity::of(target) == written;
-    return isIt ? written : std::nullopt;
 }
 
 bool ArchiveRun::isDone(const DocumentRecord& record, const FileIdentity& source) const
@@ -304,7 +257,7 @@ void ArchiveRun::countGone(const std::vector<ArchiveEntry>& entries)
     for (const ArchiveEntry& entry : entries) {
         paths.insert(entry.path);
     }
-    for (const DocumentRecord& record : qAsConst(m_before)) {
+    for (const DocumentRecord& record : m_before.records()) {
         if ((record.target || record.earlier) && paths.count(record.path) == 0) {
             m_now.insert(record.path, record);
             m_summary.addGone();
@@ -315,10 +268,8 @@ void ArchiveRun::countGone(const std::vector<ArchiveEntry>& entries)
 void ArchiveRun::tellWhatStandsInTheWay() const
 {
     for (const PlannedDocument& document : m_documents) {
-        if (document.isBlocked &&
-            DocumentJob::beginsLikeXml(m_settings.source + QLatin1Char('/') + document.path)) {
-            say(QStringLiteral("in the way, and kept: %1/%2")
-                    .arg(m_settings.target, document.path));
+        if (document.isBlocked) {
+            say(QStringLiteral("in the way, and kept: %1").arg(m_settings.targetOf(document.path)));
         }
     }
 }
@@ -335,70 +286,119 @@ bool ArchiveRun::reportOwnRecords()
 // What a document tells again stays as it was told first.
 void ArchiveRun::take(const DocumentRecord& record)
 {
-    const auto known = m_before.find(record.path);
-    const bool isKnown = known != m_before.end() && known->tellsTheSameAs(record);
+    const DocumentRecord* const known = m_before.find(record.path);
+    const bool isKnown = known != nullptr && known->tellsTheSameAs(record);
     m_now.insert(record.path, isKnown ? *known : record);
     m_summary.add(record);
     if (m_commandLine.isTrial) {
-        std::cout << record.toLine().constData();
+        std::cout << record.toLine().constData() << std::flush;
     }
 }
 
 ArchiveStatus ArchiveRun::convertAll()
 {
     const int cores = m_commandLine.jobs > 0 ? m_commandLine.jobs : QThread::idealThreadCount();
-    qint64 bytes = 0;
-    for (const PlannedDocument& document : m_documents) {
-        bytes += document.size;
-    }
-    ArchiveProgress progress(static_cast<int>(m_documents.size()), bytes, isTerminal());
-    for (const auto& [jobs, documents] : byMemory(m_documents, cores)) {
-        const int share = static_cast<int>(documents.size()) / (jobs * JOBS_A_CORE);
-        const int batch = std::clamp(share, 1, MOST_DOCUMENTS_A_JOB);
-        const ArchiveStatus status = convertWith(documents, jobs, batch, progress);
+    ArchiveProgress progress(QStringLiteral("documents"), static_cast<int>(m_documents.size()),
+                             bytesOf(m_documents), isTerminal());
+    for (const ArchiveSchedule::Round& round :
+         ArchiveSchedule::roundsOf(m_documents, cores, ArchiveSchedule::availableMemory())) {
+        const ArchiveStatus status = convertRound(round, progress);
         if (status != ARCHIVE_DONE) {
             return status;
         }
     }
-    // A job that broke off took the documents beside the guilty one along.
-    std::vector<PlannedDocument> left;
-    std::copy_if(
-        m_documents.begin(), m_documents.end(), std::back_inserter(left),
-        [this](const PlannedDocument& document) { return !m_now.contains(document.path); });
-    const ArchiveStatus status = convertWith(left, 1, 1, progress);
+    if (!takeWhatIsDoneUntold()) {
+        progress.clear();
+        return sayCannotWrite(m_settings.report);
+    }
+    const ArchiveStatus status =
+        convertRound(ArchiveSchedule::oneByOne(untoldDocuments()), progress);
     progress.clear();
     return status;
 }
 
-ArchiveStatus ArchiveRun::convertWith(const std::vector<PlannedDocument>& documents, int jobs,
-                                      int batch, ArchiveProgress& progress)
+std::vector<PlannedDocument> ArchiveRun::untoldDocuments() const
 {
-    if (documents.empty()) {
+    std::vector<PlannedDocument> untold;
+    std::copy_if(
+        m_documents.begin(), m_documents.end(), std::back_inserter(untold),
+        [this](const PlannedDocument& document) { return !m_now.contains(document.path); });
+    return untold;
+}
+
+// A job that broke off took the documents beside the guilty one along. Some of them may stand.
+bool ArchiveRun::takeWhatIsDoneUntold()
+{
+    const std::vector<PlannedDocument> untold = untoldDocuments();
+    if (untold.empty()) {
+        return true;
+    }
+    ArchiveHistory now(m_settings);
+    if (!now.read()) {
+        return false;
+    }
+    if (!m_commandLine.isTrial) {
+        ArchiveTree::sweep(m_settings.target);
+    }
+    for (const PlannedDocument& document : untold) {
+        // Where an earlier run's target stood nothing tells the two apart; it is written again.
+        if (!document.earlier && now.standingTarget(document.path)) {
+            take(*now.find(document.path));
+        }
+    }
+    return true;
+}
+
+ArchiveStatus ArchiveRun::convertRound(const ArchiveSchedule::Round& round,
+                                       ArchiveProgress& progress)
+{
+    if (round.jobs.empty()) {
         return ARCHIVE_DONE;
     }
-    const std::vector<PlannedJob> planned =
-        ArchivePlan::write(m_planFile, m_settings, jobsOf(documents, batch));
+    const std::vector<PlannedJob> planned = ArchivePlan::write(m_planFile, m_settings, round.jobs);
     if (planned.empty()) {
         return sayCannotWrite(m_planFile);
     }
-    const QTemporaryDir home;
-    ParallelProcess parallel(m_worker, m_planFile, home.path());
-    if (!parallel.startJobs(planned, jobs)) {
+    if (!QDir().mkpath(m_parallelFolder)) {
+        return sayCannotWrite(m_parallelFolder);
+    }
+    ParallelProcess parallel(m_worker, m_planFile, m_parallelFolder);
+    if (!parallel.startJobs(planned, round.jobsAtATime)) {
         say(QStringLiteral("GNU Parallel cannot be started"));
         return ARCHIVE_UNAVAILABLE;
     }
-    while (parallel.state() != QProcess::NotRunning) {
+    const auto toldBefore = m_now.size();
+    const ArchiveStatus status = follow(parallel, progress);
+    QFile::remove(m_planFile);
+    QDir(m_parallelFolder).removeRecursively();
+    if (status == ARCHIVE_DONE && m_now.size() == toldBefore && parallel.exitCode() != 0 &&
+        !ParallelProcess::isGnu()) {
+        progress.clear();
+        say(QStringLiteral("the program \"parallel\" is not GNU Parallel, or does not work"));
+        return ARCHIVE_UNAVAILABLE;
+    }
+    return status;
+}
+
+// Until the last job has ended, or the run cannot go on.
+ArchiveStatus ArchiveRun::follow(ParallelProcess& parallel, ArchiveProgress& progress)
+{
+    do {
+        parallel.waitForReadyRead(WAIT_MS);
+        readRecords(parallel, progress);
         if (StopSignals::isStopping()) {
             parallel.stopJobs();
             progress.clear();
-            say(QStringLiteral("stopped; the next run goes on from here"));
-            return ARCHIVE_STOPPED;
+            return sayStopped();
         }
-        parallel.waitForReadyRead(WAIT_MS);
-        readRecords(parallel, progress);
+        if (!m_problem.isEmpty()) {
+            parallel.stopJobs();
+            progress.clear();
+            say(m_problem);
+            return ARCHIVE_NOT_WRITTEN;
+        }
         progress.show();
-    }
-    readRecords(parallel, progress);
+    } while (parallel.state() != QProcess::NotRunning || parallel.canReadLine());
     if (parallel.exitStatus() == QProcess::CrashExit || parallel.exitCode() == PARALLEL_FAILED) {
         // Its jobs may be at work still: nothing may be begun beside them.
         progress.clear();
@@ -411,9 +411,15 @@ ArchiveStatus ArchiveRun::convertWith(const std::vector<PlannedDocument>& docume
 void ArchiveRun::readRecords(ParallelProcess& parallel, ArchiveProgress& progress)
 {
     while (parallel.canReadLine()) {
-        if (const auto record = DocumentRecord::fromLine(parallel.readLine())) {
+        const QByteArray line = parallel.readLine();
+        if (const auto record = DocumentRecord::fromLine(line)) {
+            if (m_commandLine.isTrial) {
+                progress.clear(); // the record is printed
+            }
             take(*record);
             progress.advance(record->source ? record->source->size : 0);
+        } else if (line.startsWith(ArchivePlan::PROBLEM)) {
+            m_problem = QString::fromUtf8(line.mid(ArchivePlan::PROBLEM.size()).trimmed());
         }
     }
 }
@@ -433,7 +439,6 @@ bool ArchiveRun::finishReport()
     if (m_commandLine.isTrial) {
         return true;
     }
-    QFile::remove(m_planFile);
     return ArchiveReport::replace(m_settings.report, m_now) &&
            (QFile::remove(m_settings.pendingReport()) ||
             !QFile::exists(m_settings.pendingReport()));

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveCommandLine.h"
-#include "FileConverters/CoordinationWorkspaceSection/ArchivePlan.h"
-#include "FileConverters/CoordinationWorkspaceSection/ArchiveReport.h"
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveHistory.h"
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveSchedule.h"
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveSummary.h"
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveTree.h"
 
@@ -28,17 +28,18 @@ private:
     ArchiveStatus runAlone();
     bool endFormerRun() const;
     ArchiveStatus runWithFolder(const QString& folder);
-    bool takeUp();
-    bool recoverPending();
-    void plan();
+    QString objectionToReport() const;
+    bool plan();
+    DocumentRecord recordOf(const ArchiveEntry& entry) const;
     void planDocument(const ArchiveEntry& entry);
     bool isDone(const DocumentRecord& record, const FileIdentity& source) const;
-    std::optional<FileIdentity> ourTarget(const QString& path) const;
     void countGone(const std::vector<ArchiveEntry>& entries);
     void tellWhatStandsInTheWay() const;
     ArchiveStatus convertAll();
-    ArchiveStatus convertWith(const std::vector<PlannedDocument>& documents, int jobs, int batch,
-                              ArchiveProgress& progress);
+    std::vector<PlannedDocument> untoldDocuments() const;
+    bool takeWhatIsDoneUntold();
+    ArchiveStatus convertRound(const ArchiveSchedule::Round& round, ArchiveProgress& progress);
+    ArchiveStatus follow(ParallelProcess& parallel, ArchiveProgress& progress);
     void readRecords(ParallelProcess& parallel, ArchiveProgress& progress);
     void take(const DocumentRecord& record);
     bool reportOwnRecords();
@@ -48,8 +49,10 @@ private:
     const QString m_worker;
     ArchiveSettings m_settings;
     QString m_planFile;
-    ArchiveReport::Records m_before; // what the report told when the run began
-    ArchiveReport::Records m_now;    // what this run tells
+    QString m_parallelFolder;
+    QString m_problem;            // that a worker has told, and that ends the run
+    ArchiveHistory m_before;      // before the run
+    ArchiveReport::Records m_now; // what this run tells
     std::vector<PlannedDocument> m_documents;
     std::vector<DocumentRecord> m_ownRecords; // of what no worker has to look at
     ArchiveSummary m_summary;

@@ -2,6 +2,9 @@
 
 #include <QJsonObject>
 
+#include <algorithm>
+#include <limits>
+
 namespace {
 
 constexpr qint64 MEGABYTE = 1000000;
@@ -9,6 +12,7 @@ constexpr qint64 BASE_MILLISECONDS = 10000;
 constexpr qint64 MILLISECONDS_PER_MEGABYTE = 1000;
 constexpr qint64 BASE_MEMORY = 256 * MEGABYTE;
 constexpr qint64 MEMORY_PER_BYTE = 64;
+constexpr qint64 MOST_MILLISECONDS = std::numeric_limits<int>::max(); // that can be waited for
 
 QJsonValue valueOf(const std::optional<qint64>& number)
 {
@@ -24,8 +28,9 @@ std::optional<qint64> numberFrom(const QJsonValue& value)
 
 ProcessLimits ArchiveSettings::limitsFor(qint64 size) const
 {
+    const qint64 usual = BASE_MILLISECONDS + MILLISECONDS_PER_MEGABYTE * size / MEGABYTE;
     return {memoryBytes.value_or(BASE_MEMORY + MEMORY_PER_BYTE * size),
-            milliseconds.value_or(BASE_MILLISECONDS + MILLISECONDS_PER_MEGABYTE * size / MEGABYTE)};
+            std::min(milliseconds.value_or(usual), MOST_MILLISECONDS)};
 }
 
 QJsonObject ArchiveSettings::toJson() const

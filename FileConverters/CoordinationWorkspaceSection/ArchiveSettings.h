@@ -11,8 +11,8 @@ class QJsonObject;
 /** How the documents of an archive are converted. */
 struct ArchiveSettings
 {
-    QString source;    ///< the archive's folder, absolute
-    QString target;    ///< where converted documents stand, absolute
+    QString source;    ///< the archive's folder, absolute and without links
+    QString target;    ///< where converted documents stand, likewise
     QString report;    ///< the report's file; empty when none is written
     QString converter; ///< the program that converts one document
     QString staging;   ///< where outputs are written for a trial; empty when they are to stand
@@ -31,8 +31,15 @@ struct ArchiveSettings
     QJsonObject toJson() const;
     static ArchiveSettings fromJson(const QJsonObject& object);
 
+    /** Where the document of a path stands, and its output will. */
+    QString sourceOf(const QString& path) const { return source + QLatin1Char('/') + path; }
+    QString targetOf(const QString& path) const { return target + QLatin1Char('/') + path; }
+
     /** The folder of a run's own files in the target. */
     QString folder() const { return target + QLatin1Char('/') + FOLDER; }
+
+    /** Where the report stands when nothing else is asked for. */
+    QString usualReport() const { return folder() + QStringLiteral("/report.jsonl"); }
 
     /** What a run holds alone, and what its jobs hold together. */
     QString runLock() const { return folder() + QStringLiteral("/lock"); }

@@ -8,24 +8,70 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <limits>
 
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr int BEGINNING = 65536; // more blanks than that stand before no document's first "<"
+const QByteArray BLANKS("\0\t\n\r \xef\xbb\xbf\xfe\xff", 10);  // and byte-order marks
+constexpr qint64 MOST_BYTES = std::numeric_limits<int>::max(); // that Qt reads at one go
+constexpr int LONGEST_CHARACTER = 4;                           // of UTF-8, in bytes
+constexpr int HEXADECIMAL = 16;
 
 fs::path nativePath(const QString& path)
 {
     return {QFile::encodeName(path).constData()};
 }
 
-QString textOf(const fs::path& path)
+// Whether Qt gives back the same bytes. From the beginning it drops a byte-order mark.
+bool isUtf8(const QByteArray& bytes)
 {
-    return QString::fromUtf8(path.c_str());
+    return QString::fromUtf8(bytes).toUtf8() == bytes;
 }
 
-bool isUtf8(const fs::path& path)
+// Different names have to look different.
+QString textOf(const fs::path& path)
 {
-    return textOf(path).toUtf8() == path.c_str();
+    const QByteArray bytes = path.c_str();
+    if (isUtf8(bytes)) {
+        return QString::fromUtf8(bytes);
+    }
+    QString text;
+    for (int at = 0; at < bytes.size();) {
+        int length = 1;
+        while (length <= LONGEST_CHARACTER && !isUtf8(bytes.mid(at, length))) {
+            ++length;
+        }
+        if (length <= LONGEST_CHARACTER) {
+            text += QString::fromUtf8(bytes.mid(at, length));
+            at += length;
+        } else {
+            text += QChar(QChar::ReplacementCharacter);
+            text += QString::number(static_cast<uchar>(bytes[at++]), HEXADECIMAL).toUpper();
+        }
+    }
+    return text;
+}
+
+/**
+ * Whether the file does not begin as XML does, in any encoding: a byte-order mark or not, blanks or
+ * not, then "<". What cannot be read may be anything.
+ */
+bool isNoXml(const fs::path& path)
+{
+    QFile file(QFile::decodeName(path.c_str()));
+    if (!file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray beginning = file.read(BEGINNING);
+    if (file.error() != QFileDevice::NoError) {
+        return false;
+    }
+    const auto* const first = std::find_if_not(
+        beginning.begin(), beginning.end(), [](const char byte) { return BLANKS.contains(byte); });
+    return first == beginning.end() ? beginning.size() < BEGINNING : *first != '<';
 }
 
 /** One walk below a folder. */
@@ -55,7 +101,7 @@ private:
             }
         }
         if (error) {
-            refuse(folder, "not-readable", "the folder cannot be read");
+            refuse(folder, "not-readable", "the folder cannot be read", DocumentRecord::FAILED);
         }
     }
 
@@ -73,12 +119,11 @@ private:
         const fs::file_status status = entry.status(error);
         if (status.type() == fs::file_type::directory && !isLink) {
             visitFolder(entry.path());
-        } else if (!isUtf8(entry.path())) {
-            refuse(entry.path(), "name-not-utf8", "its name is not UTF-8");
+        } else if (!isUtf8(entry.path().lexically_relative(m_root).c_str())) {
+            refuse(entry.path(), "name-not-utf8",
+                   "its name is not UTF-8, or begins with a byte-order mark");
         } else if (status.type() == fs::file_type::regular) {
-            const auto size = entry.file_size(error);
-            m_entries.push_back(
-                {pathOf(entry.path()), error ? 0 : static_cast<qint64>(size), {}, {}});
+            visitFile(entry);
         } else if (status.type() == fs::file_type::directory) {
             refuse(entry.path(), "link-to-folder", "links to folders are not followed");
         } else if (isLink && status.type() == fs::file_type::not_found) {
@@ -88,9 +133,23 @@ private:
         }
     }
 
-    void refuse(const fs::path& path, const char* reason, const char* text)
+    void visitFile(const fs::directory_entry& entry)
     {
-        m_entries.push_back({pathOf(path), 0, QLatin1String(reason), QLatin1String(text)});
+        std::error_code error;
+        const auto size = static_cast<qint64>(entry.file_size(error));
+        if (isNoXml(entry.path())) {
+            refuse(entry.path(), "no-workspace", "it is no workspace document");
+        } else if (!error && size > MOST_BYTES) {
+            refuse(entry.path(), "size", "it is larger than 2 GB", DocumentRecord::LIMIT);
+        } else {
+            m_entries.push_back({pathOf(entry.path()), error ? 0 : size, {}, {}});
+        }
+    }
+
+    void refuse(const fs::path& path, const char* reason, const char* text,
+                DocumentRecord::Outcome outcome = DocumentRecord::REFUSED)
+    {
+        m_entries.push_back({pathOf(path), 0, QLatin1String(reason), QLatin1String(text), outcome});
     }
 
     QString pathOf(const fs::path& path) const { return textOf(path.lexically_relative(m_root)); }
@@ -99,11 +158,14 @@ private:
     std::vector<ArchiveEntry> m_entries;
 };
 
-// Links on the way are followed as far as the path exists.
-fs::path realPath(const QString& path)
+fs::path withoutLinks(const QString& path)
 {
     std::error_code error;
-    const fs::path real = fs::weakly_canonical(fs::absolute(nativePath(path)), error);
+    const fs::path absolute = fs::absolute(nativePath(path), error);
+    const fs::path real = fs::weakly_canonical(absolute, error);
+    if (error) {
+        return absolute;
+    }
     // "folder/" and "folder" are the same.
     return real.has_filename() ? real : real.parent_path();
 }
@@ -137,6 +199,9 @@ void ArchiveTree::sweep(const QString& folder)
                                            fs::directory_options::skip_permission_denied, error);
     for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
         std::error_code ignored;
+        if (fs::exists(entry->path() / nativePath(ArchiveSettings::FOLDER), ignored)) {
+            entry.disable_recursion_pending();
+        }
         if (AtomicFile::isPart(textOf(entry->path().filename())) &&
             entry->symlink_status(ignored).type() == fs::file_type::regular) {
             fs::remove(entry->path(), ignored);
@@ -144,10 +209,15 @@ void ArchiveTree::sweep(const QString& folder)
     }
 }
 
+QString ArchiveTree::realPath(const QString& path)
+{
+    return textOf(withoutLinks(path));
+}
+
 bool ArchiveTree::overlap(const QString& one, const QString& other)
 {
-    const fs::path realOne = realPath(one);
-    const fs::path realOther = realPath(other);
+    const fs::path realOne = withoutLinks(one);
+    const fs::path realOther = withoutLinks(other);
     return isInsideOrSame(realOne, realOther) || isInsideOrSame(realOther, realOne);
 }
 

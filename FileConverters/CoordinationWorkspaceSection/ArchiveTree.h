@@ -1,16 +1,20 @@
 #pragma once
 
+#include "FileConverters/CoordinationWorkspaceSection/DocumentRecord.h"
+
 #include <QString>
 
 #include <vector>
 
-/** Something that stands in an archive's folder or below and may be a document. */
+/** Something that stands in an archive's folder or below. */
 struct ArchiveEntry
 {
-    QString path; ///< below the archive's folder; what is no UTF-8 in it is replaced
+    /** Below the archive's folder. A byte that is no UTF-8 shows as U+FFFD and two hex digits. */
+    QString path;
     qint64 size = 0;
-    QString reason; ///< why it cannot be read as a document, for programs; empty when it can
+    QString reason; ///< why it is no document to convert, for programs; empty when it may be one
     QString text;   ///< why, for people
+    DocumentRecord::Outcome outcome = DocumentRecord::REFUSED; ///< when there is a reason
 };
 
 /**
@@ -18,15 +22,22 @@ struct ArchiveEntry
  *
  * Links to files count as the files that they lead to. Links to folders are not followed: they
  * could lead round in circles, or out of the archive. What runs themselves keep or leave behind is
- * not part of an archive.
+ * not part of an archive. Of a file that does not begin as XML does, only the beginning is read: an
+ * archive may hold recordings of any size.
  */
 namespace ArchiveTree {
 
 /** All entries, by path: the folders themselves are none, unless they cannot be read. */
 std::vector<ArchiveEntry> find(const QString& folder);
 
-/** Removes the files that killed runs have left unfinished. */
+/**
+ * Removes the files that killed runs have left unfinished. A folder below that is the target of
+ * other runs is left to them.
+ */
 void sweep(const QString& folder);
+
+/** The absolute path without links on the way, as far as it exists. */
+QString realPath(const QString& path);
 
 /** Whether the folders are the same, or one stands inside the other. They need not exist. */
 bool overlap(const QString& one, const QString& other);

@@ -19,6 +19,7 @@ const QString PART_BEGIN = QStringLiteral(".coordworkspace-");
 const QString PART_END = QStringLiteral(".part");
 constexpr mode_t PERMISSIONS = 0777; // what else a mode holds is not for a converted document
 constexpr mode_t NEW_FILE_MODE = 0666;
+constexpr mode_t PRIVATE_FILE_MODE = 0600; // until it is finished
 
 mode_t userMask()
 {
@@ -80,6 +81,19 @@ std::unique_ptr<AtomicFile> AtomicFile::begin(const QString& folder, const QStri
     close(descriptor);
     // The constructor is private, out of std::make_unique's reach.
     return std::unique_ptr<AtomicFile>(new AtomicFile(folder, name, QFile::decodeName(path)));
+}
+
+std::unique_ptr<AtomicFile> AtomicFile::beginAlone(const QString& folder, const QString& name)
+{
+    const QString path = folder + QLatin1Char('/') + PART_BEGIN + name + PART_END;
+    const int descriptor =
+        open(QFile::encodeName(path).constData(),
+             O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, PRIVATE_FILE_MODE);
+    if (descriptor < 0) {
+        return nullptr;
+    }
+    close(descriptor);
+    return std::unique_ptr<AtomicFile>(new AtomicFile(folder, name, path));
 }
 
 bool AtomicFile::finishLike(const QString& original)

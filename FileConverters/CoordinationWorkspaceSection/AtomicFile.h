@@ -19,6 +19,12 @@ public:
     /** Begins a file. @return null when the folder takes none. */
     static std::unique_ptr<AtomicFile> begin(const QString& folder, const QString& name);
 
+    /**
+     * Begins a file that one process at a time writes, where nothing sweeps: what a killed process
+     * has left of it is taken over. @return null when the folder takes none.
+     */
+    static std::unique_ptr<AtomicFile> beginAlone(const QString& folder, const QString& name);
+
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
     ~AtomicFile();

@@ -23,7 +23,7 @@ std::vector<DocumentRecord> recordsOf(const Jobs& jobs, bool onlyWithOutput)
     return records;
 }
 
-void commitAll(Jobs& jobs)
+void commitAll(Jobs& jobs, const QString& target)
 {
     for (DocumentJob& job : jobs) {
         job.commit();
@@ -34,7 +34,8 @@ void commitAll(Jobs& jobs)
         if (folder.isEmpty() || synced.contains(folder)) {
             continue;
         }
-        if (StableStorage::syncFolder(folder)) {
+        // Those above it, too: another process may have made them, and not come to sync them.
+        if (StableStorage::syncFolders(folder, target)) {
             synced.insert(folder);
         } else {
             job.failToWrite();
@@ -59,7 +60,7 @@ std::vector<DocumentRecord> convertBatch(const ArchiveSettings& settings,
     if (!pending.empty() && !ArchiveReport::append(settings.pendingReport(), pending)) {
         return {};
     }
-    commitAll(jobs);
+    commitAll(jobs, settings.target);
     const std::vector<DocumentRecord> records = recordsOf(jobs, false);
     return ArchiveReport::append(settings.report, records) ? records
                                                            : std::vector<DocumentRecord>();

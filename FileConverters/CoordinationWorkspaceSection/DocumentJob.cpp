@@ -3,6 +3,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/BoundedCall.h"
 #include "FileConverters/CoordinationWorkspaceSection/ConverterProcess.h"
 #include "FileConverters/CoordinationWorkspaceSection/DocumentText.h"
+#include "FileConverters/CoordinationWorkspaceSection/FindingList.h"
 #include "FileConverters/CoordinationWorkspaceSection/Inspection.h"
 #include "FileConverters/CoordinationWorkspaceSection/StableStorage.h"
 #include "FileConverters/CoordinationWorkspaceSection/Verification.h"
@@ -19,7 +20,6 @@ namespace {
 
 constexpr double MILLISECONDS_PER_SECOND = 1000.0;
 constexpr int CHUNK = 65536;
-const QByteArray BLANKS("\0\t\n\r \xef\xbb\xbf\xfe\xff", 10); // and byte-order marks
 
 bool has(const Inspection& inspection, Finding::Kind kind)
 {
@@ -95,7 +95,7 @@ void judge(const Inspection& inspection, DocumentRecord& record)
     case Inspection::TOO_NEW:
         set(record, DocumentRecord::REFUSED, "too-new",
             QStringLiteral("its version %1 is newer than this software knows")
-                .arg(inspection.version));
+                .arg(FindingList::quoted(inspection.version)));
         return;
     case Inspection::IMPOSSIBLE:
         judgeImpossible(inspection, record);
@@ -149,27 +149,10 @@ bool isLeftAlone(DocumentRecord::Outcome outcome)
 } // namespace
 
 DocumentJob::DocumentJob(const ArchiveSettings& settings, const PlannedDocument& document)
-    : m_settings(settings), m_document(document),
-      m_source(settings.source + QLatin1Char('/') + document.path)
+    : m_settings(settings), m_document(document), m_source(settings.sourceOf(document.path))
 {
     m_record.path = document.path;
     m_record.earlier = document.earlier;
-}
-
-bool DocumentJob::beginsLikeXml(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return false;
-    }
-    for (QByteArray chunk = file.read(CHUNK); !chunk.isEmpty(); chunk = file.read(CHUNK)) {
-        for (const char byte : chunk) {
-            if (!BLANKS.contains(byte)) {
-                return byte == '<';
-            }
-        }
-    }
-    return false;
 }
 
 void DocumentJob::run()
@@ -199,10 +182,6 @@ bool DocumentJob::identify()
     m_record.source = FileIdentity::of(m_source);
     if (!m_record.source) {
         return end(DocumentRecord::FAILED, "not-readable", QStringLiteral("it cannot be read"));
-    }
-    if (!beginsLikeXml(m_source)) {
-        return end(DocumentRecord::REFUSED, "no-workspace",
-                   QStringLiteral("it is no workspace document"));
     }
     return true;
 }
@@ -245,7 +224,7 @@ bool DocumentJob::inspect()
 
 bool DocumentJob::write()
 {
-    const QFileInfo target(m_settings.target + QLatin1Char('/') + m_document.path);
+    const QFileInfo target(m_settings.targetOf(m_document.path));
     const QString folder = m_settings.isTrial() ? m_settings.staging : target.absolutePath();
     if (StableStorage::makeFolders(folder)) {
         m_output = AtomicFile::begin(folder, target.fileName());

@@ -34,12 +34,6 @@ public:
     /** What the record tells when the output could not be written; by errno. */
     void failToWrite();
 
-    /**
-     * Whether the file begins as XML does, in any encoding: a byte-order mark or not, blanks or
-     * not, then "<".
-     */
-    static bool beginsLikeXml(const QString& path);
-
 private:
     bool identify();
     bool inspect();

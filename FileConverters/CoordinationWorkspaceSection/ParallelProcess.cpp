@@ -3,6 +3,9 @@
 #include <csignal>
 
 #include <sys/prctl.h>
+#include <unistd.h>
+
+#include <utility>
 
 namespace {
 
@@ -10,12 +13,15 @@ constexpr int PATIENCE_MS = 5000;
 
 } // namespace
 
-ParallelProcess::ParallelProcess(const QString& worker, const QString& plan, const QString& home)
+ParallelProcess::ParallelProcess(const QString& worker, const QString& plan, QString folder)
+    : m_folder(std::move(folder))
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("PARALLEL_SHELL"), QStringLiteral("/bin/sh"));
-    environment.insert(QStringLiteral("PARALLEL_HOME"), home);
+    environment.insert(QStringLiteral("PARALLEL_HOME"), m_folder);
     environment.remove(QStringLiteral("PARALLEL"));
+    // Perl complains of a locale that the machine does not have.
+    environment.insert(QStringLiteral("PERL_BADLANG"), QStringLiteral("0"));
     environment.insert(QStringLiteral("COORDWORKSPACE_WORKER"), worker);
     environment.insert(QStringLiteral("COORDWORKSPACE_PLAN"), plan);
     setProcessEnvironment(environment);
@@ -25,6 +31,7 @@ ParallelProcess::ParallelProcess(const QString& worker, const QString& plan, con
 // In the child, between fork and exec.
 void ParallelProcess::setupChildProcess()
 {
+    setsid();
     prctl(PR_SET_PDEATHSIG, SIGTERM);
 }
 
@@ -32,8 +39,9 @@ bool ParallelProcess::startJobs(const std::vector<PlannedJob>& planned, int atTh
 {
     // Names reach the worker by the environment and the plan, so that no shell has to quote them.
     start(QStringLiteral("parallel"),
-          {QStringLiteral("--plain"), QStringLiteral("--will-cite"), QStringLiteral("--jobs"),
-           QString::number(atTheSameTime), QStringLiteral("--colsep"), QStringLiteral(" "),
+          {QStringLiteral("--plain"), QStringLiteral("--will-cite"), QStringLiteral("--tmpdir"),
+           m_folder, QStringLiteral("--jobs"), QString::number(atTheSameTime),
+           QStringLiteral("--colsep"), QStringLiteral(" "),
            QStringLiteral("exec \"$COORDWORKSPACE_WORKER\" \"$COORDWORKSPACE_PLAN\" {1} {2}")});
     if (!waitForStarted(-1)) {
         return false;
@@ -43,6 +51,14 @@ bool ParallelProcess::startJobs(const std::vector<PlannedJob>& planned, int atTh
     }
     closeWriteChannel();
     return true;
+}
+
+bool ParallelProcess::isGnu()
+{
+    QProcess version;
+    version.start(QStringLiteral("parallel"), {QStringLiteral("--version")}, QIODevice::ReadOnly);
+    return version.waitForFinished(PATIENCE_MS) &&
+           version.readAllStandardOutput().startsWith("GNU parallel");
 }
 
 void ParallelProcess::stopJobs()

@@ -9,15 +9,19 @@
 /**
  * One run of GNU Parallel over the jobs of a plan.
  *
- * Nothing of the user's has a say in it: neither their configuration of Parallel nor their shell.
- * When this process is killed, Parallel ends its jobs and itself. Only when Parallel is killed do
- * its jobs go on to their end.
+ * Nothing of the user's has a say in it: neither their configuration of Parallel nor their shell,
+ * nor what they type at the terminal, whose signals are the caller's to answer. When this process
+ * is killed, Parallel ends its jobs and itself. Only when Parallel is killed do its jobs go on to
+ * their end.
  */
 class ParallelProcess : public QProcess
 {
 public:
-    /** @param home  a folder for what Parallel notes about the machine; must exist. */
-    ParallelProcess(const QString& worker, const QString& plan, const QString& home);
+    /** @param folder  where Parallel may keep what it needs meanwhile; must exist. */
+    ParallelProcess(const QString& worker, const QString& plan, QString folder);
+
+    /** Whether what is called "parallel" is GNU Parallel: there are others of that name. */
+    static bool isGnu();
 
     /** @return whether Parallel was started. */
     bool startJobs(const std::vector<PlannedJob>& planned, int atTheSameTime);
@@ -27,4 +31,7 @@ public:
 
 protected:
     void setupChildProcess() override;
+
+private:
+    const QString m_folder;
 };

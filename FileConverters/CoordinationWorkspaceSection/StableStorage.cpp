@@ -34,6 +34,12 @@ bool StableStorage::syncFolder(const QString& folder)
     return isSynced;
 }
 
+bool StableStorage::syncFolders(const QString& folder, const QString& top)
+{
+    return syncFolder(folder) &&
+           (folder == top || syncFolders(QFileInfo(folder).absolutePath(), top));
+}
+
 bool StableStorage::makeFolders(const QString& folder)
 {
     const QFileInfo info(folder);

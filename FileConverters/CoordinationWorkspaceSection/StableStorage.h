@@ -14,6 +14,9 @@ bool syncFile(int descriptor);
 
 bool syncFolder(const QString& folder);
 
+/** Syncs the folder and those above it, up to and with @p top, which is one of them. */
+bool syncFolders(const QString& folder, const QString& top);
+
 /** Makes the folder and those above it that are missing, each of them synced. */
 bool makeFolders(const QString& folder);
 

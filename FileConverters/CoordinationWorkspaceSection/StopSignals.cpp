@@ -17,7 +17,10 @@ void noteStop(int /*signal*/)
 void StopSignals::watch()
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        std::signal(signal, noteStop);
+        // Under nohup, or in the background of a script, a program is started to ignore some.
+        if (std::signal(signal, noteStop) == SIG_IGN) {
+            std::signal(signal, SIG_IGN);
+        }
     }
 }
 

@@ -56,7 +56,9 @@ int main(int argc, char** argv)
     }
     const std::vector<DocumentRecord> records = convertBatch(settings, documents);
     if (records.empty()) {
-        return fail(std::string("the report cannot be written: ") + std::strerror(errno));
+        std::cout << ArchivePlan::PROBLEM.constData()
+                  << "the report cannot be written: " << std::strerror(errno) << std::endl;
+        return FAILED;
     }
     for (const DocumentRecord& record : records) {
         std::cout << record.toLine().constData();

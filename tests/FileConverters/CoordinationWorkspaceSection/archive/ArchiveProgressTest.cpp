@@ -27,14 +27,15 @@ void ArchiveProgressTest::theTimeLeftGoesByTheBytes()
 {
     QFETCH(qint64, bytesDone);
     QFETCH(qint64, milliseconds);
-    ArchiveProgress progress(4, 1000, false);
+    ArchiveProgress progress("documents", 4, 1000, false);
     progress.advance(bytesDone);
     QTEST(progress.textAfter(milliseconds), "text");
 }
 
 void ArchiveProgressTest::beforeTheFirstDocumentNothingIsKnown()
 {
-    QCOMPARE(ArchiveProgress(4, 1000, false).textAfter(5000), QString("0 of 4 documents"));
+    QCOMPARE(ArchiveProgress("documents", 4, 1000, false).textAfter(5000),
+             QString("0 of 4 documents"));
 }
 
 QTEST_GUILESS_MAIN(ArchiveProgressTest)

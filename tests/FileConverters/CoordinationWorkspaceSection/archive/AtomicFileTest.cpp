@@ -19,6 +19,7 @@ private slots:
     void anExistingFileIsKeptUnlessItMayBeReplaced();
     void itGetsTheOriginalsPermissionsAndTime();
     void aFolderThatIsNotThereTakesNone();
+    void whatIsWrittenAloneTakesOverWhatWasLeft();
     void namesOfPartsAreKnown_data();
     void namesOfPartsAreKnown();
 
@@ -103,6 +104,26 @@ void AtomicFileTest::itGetsTheOriginalsPermissionsAndTime()
 void AtomicFileTest::aFolderThatIsNotThereTakesNone()
 {
     QVERIFY(AtomicFile::begin(path("nowhere"), QStringLiteral("file")) == nullptr);
+}
+
+void AtomicFileTest::whatIsWrittenAloneTakesOverWhatWasLeft()
+{
+    QFile left(AtomicFile::beginAlone(m_folder->path(), QStringLiteral("file"))->partPath());
+    QVERIFY(left.open(QIODevice::WriteOnly));
+    left.write("half of something longer");
+    left.close();
+    const auto begun = AtomicFile::beginAlone(m_folder->path(), QStringLiteral("file"));
+    QCOMPARE(begun->partPath(), left.fileName());
+    QFile part(begun->partPath());
+    QVERIFY(AtomicFile::isPart(QFileInfo(part).fileName()));
+    QVERIFY(part.open(QIODevice::ReadWrite));
+    QCOMPARE(part.readAll(), QByteArray());
+    part.write("new");
+    part.close();
+    QVERIFY(begun->finish() && begun->commit(true));
+    QCOMPARE(contents("file"), QByteArray("new"));
+    QCOMPARE(names(), QStringList("file"));
+    QVERIFY(AtomicFile::beginAlone(path("nowhere"), QStringLiteral("file")) == nullptr);
 }
 
 void AtomicFileTest::namesOfPartsAreKnown_data()

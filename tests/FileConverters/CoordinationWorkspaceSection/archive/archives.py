@@ -90,9 +90,9 @@ def is_locked(target):
 
 def contents(folder):
     found = {}
-    for parent, _, names in os.walk(folder):
-        if pathlib.Path(parent) == pathlib.Path(folder) / ".coordworkspace":
-            continue
+    for parent, folders, names in os.walk(folder):
+        if pathlib.Path(parent) == pathlib.Path(folder) and ".coordworkspace" in folders:
+            folders.remove(".coordworkspace")
         for name in names:
             file = pathlib.Path(parent, name)
             status = file.lstat()
