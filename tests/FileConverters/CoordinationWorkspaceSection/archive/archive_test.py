@@ -26,6 +26,10 @@ import jsonschema
 from archives import (BROKEN, CLEAN, LOSSY, NEWER, NO_UUID, OLD, REPORT, SEVERAL, STRANGER,
                       Archive, bomb, contents, is_locked)
 
+PROGRAM = "coordworkspace-convert-archive"
+WORKER = "coordworkspace-archive-worker"
+CONVERTER = "CoordWorkSpaceSectionConverter0_3"
+
 PROGRAMS = pathlib.Path()
 PROJECT = pathlib.Path()
 IS_SANITIZED = False
@@ -42,7 +46,7 @@ def converted(document):
     with tempfile.NamedTemporaryFile(suffix=".xml") as file:
         file.write(document if isinstance(document, bytes) else document.encode())
         file.flush()
-        return subprocess.run([PROGRAMS / "CoordWorkSpaceSectionConverter0_3", file.name],
+        return subprocess.run([PROGRAMS / CONVERTER, file.name],
                               capture_output=True, check=True, timeout=60).stdout
 
 
@@ -56,6 +60,46 @@ def written(file):
     return status.st_ino, status.st_mtime_ns, status.st_ctime_ns
 
 
+def put_in_place(test, name, script):
+    """Has the archive program run a script in the place of one of the programs beside it."""
+    programs = test.folder / "programs"
+    programs.mkdir()
+    for other in {PROGRAM, WORKER, CONVERTER} - {name}:
+        shutil.copy(PROGRAMS / other, programs / other)
+    (programs / name).write_text(f"#!/bin/sh\n{script}\n")
+    (programs / name).chmod(0o755)
+    test.archive.program = programs / PROGRAM
+
+
+def slow_programs(test):
+    """Programs whose converter waits until the file "go" is there."""
+    put_in_place(test, CONVERTER,
+                 f"echo $$ >> '{test.folder}/started'\n"
+                 f"until [ -e '{test.folder}/go' ]; do sleep 0.05; done\n"
+                 f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
+
+
+def start_slowly(test, **more):
+    run = subprocess.Popen(test.archive.arguments("--timeout=none", "--jobs=1"),
+                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                           stderr=subprocess.PIPE, start_new_session=True, **more)
+    wait_until(lambda: (test.folder / "started").exists())
+    return run
+
+
+def wait_until(is_so):
+    end = time.monotonic() + 120
+    while not is_so():
+        assert time.monotonic() < end, "it never came"
+        time.sleep(0.02)
+
+
+def add_huge(archive):
+    """A document that no memory holds, and that takes no room on the disk."""
+    with open(archive.add("huge.xml", "<"), "r+b") as file:
+        file.truncate(2_200_000_000)
+
+
 class ArchiveTest(unittest.TestCase):
     maxDiff = None
 
@@ -65,7 +109,7 @@ class ArchiveTest(unittest.TestCase):
         self.folder = pathlib.Path(folder.name)
         # Within no limit a sanitizer can run.
         options = ["--memory=none"] if IS_SANITIZED else []
-        self.archive = Archive(self.folder, PROGRAMS / "coordworkspace-convert-archive", options)
+        self.archive = Archive(self.folder, PROGRAMS / PROGRAM, options)
         self.schema = jsonschema.Draft202012Validator(
             json.loads((PROJECT / "docs/schemas/archive-report.schema.json").read_text()))
 
@@ -271,7 +315,7 @@ class Documents(ArchiveTest):
             return {}
         programs = self.folder / "everybodys"
         shutil.copytree(PROGRAMS, programs, ignore=shutil.ignore_patterns("*Test"))
-        self.archive.program = programs / "coordworkspace-convert-archive"
+        self.archive.program = programs / PROGRAM
         return {"user": NOBODY, "group": NOBODY, "extra_groups": []}
 
     def give_away(self):
@@ -281,8 +325,7 @@ class Documents(ArchiveTest):
                     os.chown(os.path.join(parent, name), NOBODY, NOBODY)
 
     def test_a_document_that_no_memory_holds(self):
-        with open(self.archive.add("huge.xml", "<"), "r+b") as file:
-            file.truncate(2_200_000_000)  # and takes no room on the disk
+        add_huge(self.archive)
         self.archive.add("clean.xml", CLEAN)
         self.run_archive(LIMIT)
         self.assertEqual(self.archive.outcomes(), {
@@ -291,7 +334,7 @@ class Documents(ArchiveTest):
     def test_what_begins_otherwise_is_not_read_on(self):
         with open(self.archive.add("recording.wav", "RIFF"), "r+b") as file:
             file.truncate(1 << 42)
-        blanks = self.archive.add("blanks.xml", b" " * 65536 + CLEAN[CLEAN.index("<coord"):].encode())
+        blanks = self.archive.add("blanks.xml", " " * 65536 + CLEAN[CLEAN.index("<coord"):])
         self.run_archive(DONE)
         self.assertEqual(self.archive.outcomes(), {
             "recording.wav": ("refused", "no-workspace"), "blanks.xml": ("converted", None)})
@@ -330,15 +373,8 @@ class Options(ArchiveTest):
         self.assertIn(b"2 done by an earlier run", run.stdout)
 
     def test_verify_finds_a_wrong_conversion(self):
-        programs = self.folder / "programs"
-        programs.mkdir()
-        for name in ("coordworkspace-convert-archive", "coordworkspace-archive-worker"):
-            shutil.copy(PROGRAMS / name, programs / name)
-        wrong = programs / "CoordWorkSpaceSectionConverter0_3"
-        wrong.write_text(f"#!/bin/sh\n'{PROGRAMS}/CoordWorkSpaceSectionConverter0_3' \"$1\""
-                         " | sed s/Standard/Robust/\n")
-        wrong.chmod(0o755)
-        self.archive.program = programs / "coordworkspace-convert-archive"
+        put_in_place(self, CONVERTER,
+                     f"'{PROGRAMS / CONVERTER}' \"$1\" | sed s/Standard/Robust/")
         self.archive.add("clean.xml", CLEAN)
         self.run_archive(FAILED, "--verify")
         self.assertEqual(self.archive.outcomes(), {"clean.xml": ("failed", "not-verified")})
@@ -392,21 +428,98 @@ class Options(ArchiveTest):
                              timeout=60)
         self.assertEqual(json.loads(run.stdout), self.schema.schema)
 
-    def test_the_statuses_of_the_man_page_are_these(self):
-        page = (PROJECT / "docs/man/coordworkspace-convert-archive.1").read_text()
+
+class Statuses(ArchiveTest):
+    """The table of the man page is the data."""
+
+    @staticmethod
+    def man_page():
+        page = PROJECT / "docs/man/coordworkspace-convert-archive.1"
+        return page.read_text().replace("\\-", "-")
+
+    def rows(self):
+        page = self.man_page()
         table = page[page.index(".TS"):page.index(".TE")]
-        rows = re.findall(r"^(\d+)\|(.*)$", table.replace("\\-", "-"), re.MULTILINE)
-        numbers = [int(number) for number, _ in rows]
-        self.assertEqual(numbers, [DONE, IS_LOSSY, REFUSED, LIMIT, FAILED, USAGE, UNAVAILABLE,
-                                   NOT_WRITTEN, BUSY, STOPPED])
+        return re.findall(r"^(\d+)\|(.*)$", table, re.MULTILINE)
+
+    def test_each_of_the_man_page_is_met(self):
+        rows = self.rows()
+        self.assertEqual([int(number) for number, _ in rows], sorted(self.WAYS))
+        for number, meaning in rows:
+            with self.subTest(status=number, meaning=meaning):
+                self.assertEqual(self.WAYS[int(number)](self.another()), int(number))
+
+    def another(self):
+        """A test of the same kind, with an archive of its own."""
+        other = ArchiveTest()
+        other.setUp()
+        self.addCleanup(other.doCleanups)
+        return other
+
+    @staticmethod
+    def of_document(document, *options):
+        def way(test):
+            test.archive.add("a.xml", document)
+            return test.archive.run(*options).returncode
+        return way
+
+    @staticmethod
+    def of_size(test):
+        add_huge(test.archive)
+        return test.archive.run().returncode
+
+    @staticmethod
+    def without_parallel(test):
+        return test.archive.run(env={"PATH": "/nowhere"}).returncode
+
+    @staticmethod
+    def without_room(test):
+        with open("/dev/full", "wb") as full:
+            return test.archive.run(capture_output=False, stdout=full).returncode
+
+    @staticmethod
+    def beside_another(test):
+        (test.archive.target / ".coordworkspace").mkdir(parents=True)
+        with open(test.archive.target / ".coordworkspace/lock", "w") as lock:
+            fcntl.lockf(lock, fcntl.LOCK_EX)
+            return test.archive.run().returncode
+
+    @staticmethod
+    def stopped(test):
+        slow_programs(test)
+        test.archive.add("a.xml", CLEAN)
+        run = start_slowly(test)
+        run.terminate()
+        run.communicate(timeout=60)
+        return run.returncode
+
+    WAYS = {
+        DONE: of_document(CLEAN), IS_LOSSY: of_document(LOSSY, "--fail-if-lossy"),
+        REFUSED: of_document(NEWER), LIMIT: of_size, FAILED: of_document(BROKEN),
+        USAGE: of_document(CLEAN, "--unknown"), UNAVAILABLE: without_parallel,
+        NOT_WRITTEN: without_room, BUSY: beside_another, STOPPED: stopped,
+    }  # fmt: skip
+
+    def test_of_several_the_highest_counts(self):
+        self.archive.add("clean.xml", CLEAN)
+        self.archive.add("stranger.xml", STRANGER)
+        for status, add in ((IS_LOSSY, lambda: self.archive.add("lossy.xml", LOSSY)),
+                            (REFUSED, lambda: self.archive.add("newer.xml", NEWER)),
+                            (LIMIT, lambda: add_huge(self.archive)),
+                            (FAILED, lambda: self.archive.add("broken.xml", BROKEN))):
+            add()
+            self.run_archive(status, "--fail-if-lossy")
+
+    def test_the_pages_tell_the_same(self):
+        rows = self.rows()
         guide = (PROJECT / "docs/archive.md").read_text().replace("`", "")
         self.assertEqual(re.findall(r"^\| (\d+) \| (.*) \|$", guide, re.MULTILINE), rows)
         help_text = subprocess.run([self.archive.program, "--help"], capture_output=True,
                                    timeout=60, text=True).stdout
         status = help_text[help_text.index("Status:"):]
-        self.assertEqual([int(n) for n in re.findall(r"(?<![\w-])\d+", status)], numbers)
+        self.assertEqual(re.findall(r"(?<![\w-])\d+", status), [number for number, _ in rows])
         options = set(re.findall(r"--[a-z-]+", help_text))
-        self.assertEqual(set(re.findall(r"--[a-z-]+", page.replace("\\-", "-"))), options)
+        self.assertEqual(set(re.findall(r"--[a-z-]+", self.man_page())), options)
 
 
 class WrongUsage(ArchiveTest):
@@ -666,41 +779,14 @@ class TakingUp(ArchiveTest):
                 self.assertEqual((run.stdout, self.archive.targets()), (b"", {}))
         self.run_archive(DONE)
 
-    def slow_programs(self):
-        """Programs whose converter waits until the file "go" is there."""
-        programs = self.folder / "programs"
-        programs.mkdir()
-        for name in ("coordworkspace-convert-archive", "coordworkspace-archive-worker"):
-            shutil.copy(PROGRAMS / name, programs / name)
-        slow = programs / "CoordWorkSpaceSectionConverter0_3"
-        slow.write_text("#!/bin/sh\n"
-                        f"echo $$ >> '{self.folder}/started'\n"
-                        f"until [ -e '{self.folder}/go' ]; do sleep 0.05; done\n"
-                        f"exec '{PROGRAMS}/CoordWorkSpaceSectionConverter0_3' \"$1\"\n")
-        slow.chmod(0o755)
-        self.archive.program = programs / "coordworkspace-convert-archive"
-
-    def start_slowly(self, **more):
-        run = subprocess.Popen(self.archive.arguments("--timeout=none", "--jobs=1"),
-                               stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                               stderr=subprocess.PIPE, start_new_session=True, **more)
-        self.wait_until(lambda: (self.folder / "started").exists())
-        return run
-
-    def wait_until(self, is_so):
-        end = time.monotonic() + 120
-        while not is_so():
-            self.assertLess(time.monotonic(), end, "it never came")
-            time.sleep(0.02)
-
     def is_locked(self):
         return is_locked(self.archive.target)
 
     def test_jobs_of_a_killed_run_keep_the_next_one_out(self):
-        self.slow_programs()
+        slow_programs(self)
         for number in range(4):
             self.archive.add(f"{number}.xml", CLEAN)
-        run = self.start_slowly()
+        run = start_slowly(self)
         parallel = self.child_of(run.pid)
         os.kill(parallel, signal.SIGKILL)
         _, errors = run.communicate(timeout=60)
@@ -708,7 +794,7 @@ class TakingUp(ArchiveTest):
         self.assertIn(b"broke off", errors)
         self.run_archive(BUSY)
         (self.folder / "go").touch()
-        self.wait_until(lambda: not self.is_locked())
+        wait_until(lambda: not self.is_locked())
         # The one at work came to its end and was reported; no other was begun.
         self.assertEqual(list(self.archive.outcomes()), ["0.xml"])
         run = self.run_archive(DONE)
@@ -716,12 +802,12 @@ class TakingUp(ArchiveTest):
         self.assertEqual(len(self.archive.targets()), 4)
 
     def test_a_killed_run_takes_its_jobs_along(self):
-        self.slow_programs()
+        slow_programs(self)
         self.archive.add("a.xml", CLEAN)
-        run = self.start_slowly()
+        run = start_slowly(self)
         run.kill()
         run.communicate(timeout=60)
-        self.wait_until(lambda: not self.is_locked())
+        wait_until(lambda: not self.is_locked())
         self.assertFalse((self.archive.target / "a.xml").exists())
         (self.folder / "go").touch()
         self.run_archive(DONE)
@@ -739,15 +825,15 @@ class TakingUp(ArchiveTest):
                 (signal.SIGINT, os.killpg))):
             with self.subTest(signal=request, send=send):
                 if number == 0:
-                    self.slow_programs()
+                    slow_programs(self)
                 self.archive.add(f"{number}.xml", CLEAN)
-                run = self.start_slowly()
+                run = start_slowly(self)
                 send(run.pid, request)
                 _, errors = run.communicate(timeout=60)
                 self.assertEqual(run.returncode, STOPPED)
                 self.assertEqual(errors, b"coordworkspace-convert-archive: stopped;"
                                          b" the next run goes on from here\n")
-                self.wait_until(lambda: not self.is_locked())
+                wait_until(lambda: not self.is_locked())
                 self.assertEqual(
                     [path for path in self.archive.targets() if not path.endswith(".part")], [])
                 (self.folder / "started").unlink()
@@ -756,10 +842,10 @@ class TakingUp(ArchiveTest):
         self.assertEqual(set(self.archive.targets()), {"0.xml", "1.xml", "2.xml", "3.xml"})
 
     def test_a_signal_that_is_ignored_stops_nothing(self):
-        self.slow_programs()
+        slow_programs(self)
         self.archive.add("a.xml", CLEAN)
-        run = self.start_slowly(
-            preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))  # as under nohup
+        run = start_slowly(
+            self, preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))  # as under nohup
         os.killpg(run.pid, signal.SIGHUP)
         (self.folder / "go").touch()
         self.assertEqual(run.wait(60), DONE)
@@ -799,7 +885,7 @@ class HostileDocuments(ArchiveTest):
         self.run_archive(DONE, "--memory=1000")
 
     def test_time(self):
-        TakingUp.slow_programs(self)
+        slow_programs(self)
         self.archive.add("clean.xml", CLEAN)
         self.run_archive(LIMIT, "--timeout=1")
         self.assertEqual(self.archive.outcomes(), {"clean.xml": ("limit", "time")})
@@ -811,16 +897,8 @@ class HostileDocuments(ArchiveTest):
     def test_a_worker_that_dies_takes_no_neighbour_along(self):
         for number in range(40):
             self.archive.add(f"{number:02}.xml", CLEAN)
-        programs = self.folder / "programs"
-        programs.mkdir()
-        shutil.copy(PROGRAMS / "coordworkspace-convert-archive", programs)
-        shutil.copy(PROGRAMS / "coordworkspace-archive-worker", programs / "worker")
-        (programs / "CoordWorkSpaceSectionConverter0_3").write_text(
-            "#!/bin/sh\ncase $1 in */07.xml) kill -9 $PPID;; esac\n"
-            f"exec '{PROGRAMS}/CoordWorkSpaceSectionConverter0_3' \"$1\"\n")
-        (programs / "CoordWorkSpaceSectionConverter0_3").chmod(0o755)
-        (programs / "worker").rename(programs / "coordworkspace-archive-worker")
-        self.archive.program = programs / "coordworkspace-convert-archive"
+        put_in_place(self, CONVERTER, "case $1 in */07.xml) kill -9 $PPID;; esac\n"
+                                      f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
         self.run_archive(FAILED, "--jobs=2")
         outcomes = self.archive.outcomes()
         self.assertEqual(outcomes.pop("07.xml"), ("failed", "broke-off"))
@@ -856,17 +934,10 @@ class HostileDocuments(ArchiveTest):
 
     def trace_worker(self, rules, only_once=False):
         """Runs the worker under strace, which writes what it sees into "traced"."""
-        programs = self.folder / "programs"
-        programs.mkdir()
-        for name in ("coordworkspace-convert-archive", "CoordWorkSpaceSectionConverter0_3"):
-            shutil.copy(PROGRAMS / name, programs / name)
-        worker = programs / "coordworkspace-archive-worker"
-        program = PROGRAMS / "coordworkspace-archive-worker"
+        program = PROGRAMS / WORKER
         otherwise = f"[ ! -e '{self.folder}/traced' ] || exec '{program}' \"$@\"\n"
-        worker.write_text("#!/bin/sh\n" + (otherwise if only_once else "") +
-                          f"exec strace -o '{self.folder}/traced' {rules} '{program}' \"$@\"\n")
-        worker.chmod(0o755)
-        self.archive.program = programs / "coordworkspace-convert-archive"
+        put_in_place(self, WORKER, (otherwise if only_once else "") +
+                     f"exec strace -o '{self.folder}/traced' {rules} '{program}' \"$@\"")
 
     def test_a_report_that_cannot_grow_ends_the_run_at_once(self):
         for number in range(60):
@@ -875,8 +946,8 @@ class HostileDocuments(ArchiveTest):
         run = self.run_archive(NOT_WRITTEN, "--jobs=2", preexec_fn=lambda: resource.setrlimit(
             resource.RLIMIT_FSIZE, (limit, limit)))
         self.assertEqual(run.stdout, b"")
-        self.assertEqual(run.stderr, b"coordworkspace-convert-archive: the report cannot be written:"
-                                     b" File too large\n")
+        self.assertEqual(run.stderr, b"coordworkspace-convert-archive: the report cannot be"
+                                     b" written: File too large\n")
         self.run_archive(DONE)
         self.assertEqual(set(self.archive.outcomes().values()), {("converted", None)})
         self.assertEqual(len(self.archive.targets()), 60)
