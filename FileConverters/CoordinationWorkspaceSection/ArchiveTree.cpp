@@ -161,7 +161,7 @@ private:
 fs::path withoutLinks(const QString& path)
 {
     std::error_code error;
-    const fs::path absolute = fs::absolute(nativePath(path), error);
+    fs::path absolute = fs::absolute(nativePath(path), error);
     const fs::path real = fs::weakly_canonical(absolute, error);
     if (error) {
         return absolute;

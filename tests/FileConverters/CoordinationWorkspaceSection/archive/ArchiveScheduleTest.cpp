@@ -39,6 +39,7 @@ Sizes sizesOf(const ArchiveSchedule::Round& round)
 std::vector<PlannedDocument> ArchiveScheduleTest::documents(int count, qint64 size)
 {
     std::vector<PlannedDocument> documents;
+    documents.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
         documents.push_back({QString::number(i) + ".xml", size, false, false, {}});
     }
