@@ -1,6 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/DocumentBatch.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveReport.h"
+#include "FileConverters/CoordinationWorkspaceSection/BoundedServer.h"
 #include "FileConverters/CoordinationWorkspaceSection/DocumentJob.h"
 #include "FileConverters/CoordinationWorkspaceSection/StableStorage.h"
 
@@ -48,9 +49,10 @@ void commitAll(Jobs& jobs, const QString& target)
 std::vector<DocumentRecord> convertBatch(const ArchiveSettings& settings,
                                          const std::vector<PlannedDocument>& documents)
 {
+    BoundedServer reader(DocumentJob::answerOfReader);
     Jobs jobs;
     for (const PlannedDocument& document : documents) {
-        jobs.emplace_back(settings, document);
+        jobs.emplace_back(settings, document, reader);
         jobs.back().run();
     }
     if (settings.isTrial()) {

@@ -1,6 +1,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/DocumentJob.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/BoundedCall.h"
+#include "FileConverters/CoordinationWorkspaceSection/BoundedServer.h"
 #include "FileConverters/CoordinationWorkspaceSection/ConverterProcess.h"
 #include "FileConverters/CoordinationWorkspaceSection/DocumentText.h"
 #include "FileConverters/CoordinationWorkspaceSection/FindingList.h"
@@ -20,6 +20,9 @@ namespace {
 
 constexpr double MILLISECONDS_PER_SECOND = 1000.0;
 constexpr int CHUNK = 65536;
+constexpr char SEPARATOR = '\0'; // no path has one
+// What a larger document leaves of its memory would count among what the next one takes.
+constexpr qint64 MOST_SHARED_BYTES = 65536;
 
 bool has(const Inspection& inspection, Finding::Kind kind)
 {
@@ -148,8 +151,10 @@ bool isLeftAlone(DocumentRecord::Outcome outcome)
 
 } // namespace
 
-DocumentJob::DocumentJob(const ArchiveSettings& settings, const PlannedDocument& document)
-    : m_settings(settings), m_document(document), m_source(settings.sourceOf(document.path))
+DocumentJob::DocumentJob(const ArchiveSettings& settings, const PlannedDocument& document,
+                         BoundedServer& reader)
+    : m_settings(settings), m_document(document), m_source(settings.sourceOf(document.path)),
+      m_reader(reader)
 {
     m_record.path = document.path;
     m_record.earlier = document.earlier;
@@ -162,8 +167,7 @@ void DocumentJob::run()
     m_sourceBefore = QFileInfo(m_source);
     m_sourceBefore.setCaching(true);
     m_limits = m_settings.limitsFor(m_sourceBefore.size());
-    m_deadline = m_limits.milliseconds == 0 ? QDeadlineTimer(QDeadlineTimer::Forever)
-                                            : QDeadlineTimer(m_limits.milliseconds);
+    m_deadline = m_limits.deadline();
     if (!(identify() && inspect() && write())) {
         m_output.reset();
     }
@@ -195,10 +199,26 @@ ProcessLimits DocumentJob::remainingLimits() const
     return remaining;
 }
 
+QByteArray DocumentJob::answerOfReader(const QByteArray& request)
+{
+    const QList<QByteArray> paths = request.split(SEPARATOR);
+    const QString source = QString::fromUtf8(paths[0]);
+    return paths.size() == 1 ? judgeDocument(source)
+                             : findDifference(source, QString::fromUtf8(paths[1]));
+}
+
+std::optional<QByteArray> DocumentJob::askReader(const QByteArray& request)
+{
+    auto answer = m_reader.ask(request, remainingLimits());
+    if (m_record.source->size > MOST_SHARED_BYTES) {
+        m_reader.end();
+    }
+    return answer;
+}
+
 bool DocumentJob::inspect()
 {
-    const auto answer =
-        callWithinLimits(remainingLimits(), [this] { return judgeDocument(m_source); });
+    const auto answer = askReader(m_source.toUtf8());
     const auto judgement = answer ? DocumentRecord::fromLine(*answer) : std::nullopt;
     if (!judgement) {
         return end(DocumentRecord::LIMIT, m_deadline.hasExpired() ? "time" : "memory",
@@ -291,8 +311,7 @@ bool DocumentJob::convertInto(const AtomicFile& output)
 
 bool DocumentJob::verify(const AtomicFile& output)
 {
-    const auto difference = callWithinLimits(
-        remainingLimits(), [&] { return findDifference(m_source, output.partPath()); });
+    const auto difference = askReader(m_source.toUtf8() + SEPARATOR + output.partPath().toUtf8());
     if (!difference) {
         return end(DocumentRecord::LIMIT, m_deadline.hasExpired() ? "time" : "memory",
                    QStringLiteral("verifying it takes more than a document may"));

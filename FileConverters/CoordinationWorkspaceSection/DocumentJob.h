@@ -9,6 +9,8 @@
 
 #include <memory>
 
+class BoundedServer;
+
 /**
  * The work on one document of an archive: hash, inspect, convert, verify, write.
  *
@@ -17,8 +19,12 @@
 class DocumentJob
 {
 public:
-    /** @param settings  must outlive this. */
-    DocumentJob(const ArchiveSettings& settings, const PlannedDocument& document);
+    /** @param settings, reader  must outlive this. */
+    DocumentJob(const ArchiveSettings& settings, const PlannedDocument& document,
+                BoundedServer& reader);
+
+    /** What the reader of documents does with a request, in its own process. */
+    static QByteArray answerOfReader(const QByteArray& request);
 
     /** Does all the work but the last step, which is to give the output its name. */
     void run();
@@ -37,6 +43,7 @@ public:
 private:
     bool identify();
     bool inspect();
+    std::optional<QByteArray> askReader(const QByteArray& request);
     bool write();
     bool convertInto(const AtomicFile& output);
     bool copyInto(const AtomicFile& output);
@@ -48,6 +55,7 @@ private:
     const ArchiveSettings& m_settings;
     const PlannedDocument m_document;
     const QString m_source;
+    BoundedServer& m_reader;
     QFileInfo m_sourceBefore;
     ProcessLimits m_limits;
     QDeadlineTimer m_deadline;

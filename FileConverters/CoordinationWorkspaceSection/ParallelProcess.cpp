@@ -26,6 +26,8 @@ ParallelProcess::ParallelProcess(const QString& worker, const QString& plan, QSt
     environment.insert(QStringLiteral("COORDWORKSPACE_PLAN"), plan);
     setProcessEnvironment(environment);
     setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    // Ours may be gone, of which a shell complains.
+    setWorkingDirectory(QStringLiteral("/"));
 }
 
 // In the child, between fork and exec.

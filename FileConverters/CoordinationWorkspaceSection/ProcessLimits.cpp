@@ -1,5 +1,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/ProcessLimits.h"
 
+#include <algorithm>
 #include <csignal>
 
 #include <sys/prctl.h>
@@ -14,7 +15,16 @@ bool ProcessLimits::applyToThisProcess() const
     if (memoryBytes == 0) {
         return true;
     }
-    const auto bytes = static_cast<rlim_t>(memoryBytes);
-    const rlimit memory{bytes, bytes};
+    rlimit memory{};
+    if (getrlimit(RLIMIT_AS, &memory) != 0) {
+        return false;
+    }
+    memory.rlim_cur = std::min(static_cast<rlim_t>(memoryBytes), memory.rlim_max);
     return setrlimit(RLIMIT_AS, &memory) == 0;
+}
+
+QDeadlineTimer ProcessLimits::deadline() const
+{
+    return milliseconds == 0 ? QDeadlineTimer(QDeadlineTimer::Forever)
+                             : QDeadlineTimer(milliseconds);
 }
