@@ -2,6 +2,8 @@
 
 #include <QDeadlineTimer>
 
+#include <sys/types.h>
+
 /** What one document may take. */
 struct ProcessLimits
 {
@@ -12,11 +14,19 @@ struct ProcessLimits
      * Puts the limit on memory on the calling process, and on what it starts, in place of one that
      * was put there before.
      *
-     * The process leaves no core file, and ends when the one that started it ends. Only plain
-     * system calls are made, so that it may be called between fork and exec (POSIX.1-2017, fork).
+     * The process leaves no core file, and ends when the one that started it ends.
      * @return whether the limits stand.
      */
     bool applyToThisProcess() const;
+
+    /**
+     * Puts the limits on a child that has just been started.
+     *
+     * Should this process be killed, nobody counts the child's time; it ends then when it has taken
+     * as much of the processor's (POSIX.1-2017, RLIMIT_CPU).
+     * @return whether the limits stand.
+     */
+    bool applyTo(pid_t process) const;
 
     /** When the time is up that begins now. */
     QDeadlineTimer deadline() const;
