@@ -3,8 +3,8 @@
 
 usage: kill_sweep.py PROGRAM_FOLDER [--sample] [--kills N] [--seed S]
 
-First the worker, then the front end is killed before each of its system calls in turn, on an archive
-of one document: without a target, and with the target of an earlier run. Afterwards the target has
+First the worker, then the front end is killed before each of its system calls in turn, on an
+archive of one document: without a target, and with the target of an earlier run. Afterwards the target has
 to be the old one, absent, or whole, and the next run has to end as if nothing had happened. Then
 runs over an archive of every kind of document are killed at random moments while documents come, go
 and change, and the last run has to leave the same bytes as one clean run.
@@ -34,6 +34,7 @@ WORKER = "coordworkspace-archive-worker"
 CONVERTER = "CoordWorkSpaceSectionConverter0_3"
 CHANGED = CLEAN.replace("Vocal", "Drums")
 DOCUMENT = "show/one.xml"
+BUSY = 75
 
 
 def converted(programs, file):
@@ -72,6 +73,15 @@ def wait_for_jobs(archive):
     while is_locked(archive.target):
         assert time.monotonic() < end, "the jobs of a killed run go on for ever"
         time.sleep(0.01)
+
+
+def run_when_free(archive):
+    """What is left of a killed run may begin a job yet, before it hears that it is to end."""
+    end = time.monotonic() + SECONDS_A_RUN
+    while (run := archive.run()).returncode == BUSY:
+        assert time.monotonic() < end, "the jobs of a killed run begin for ever"
+        wait_for_jobs(archive)
+    return run
 
 
 def saved_plan(archive, programs, folder):
@@ -140,7 +150,7 @@ class OneDocument:
         assert data in (self.old, self.whole), f"{when}: the target is neither old nor whole"
 
     def check_taken_up(self, when):
-        run = self.archive.run()
+        run = run_when_free(self.archive)
         assert run.returncode == 0, f"{when}: {run}"
         targets = self.archive.targets()
         assert set(targets) == {DOCUMENT}, f"{when}: {set(targets)}"
@@ -209,7 +219,7 @@ def kill_at_random(archive, choose):
 
 def check_against_clean_run(archive, folder, programs):
     # A process that was killed alone may have left a document failed, which the next run takes up.
-    run = archive.run()
+    run = run_when_free(archive)
     clean = Archive(folder, programs / FRONT_END)
     clean.source.rmdir()
     clean.source = archive.source
