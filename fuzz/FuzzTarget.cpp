@@ -40,6 +40,11 @@ void FuzzTarget::requireEqual(const QByteArray& actual, const QByteArray& expect
     require(actual == expected, promise);
 }
 
+QString FuzzTarget::textOf(const QByteArray& utf8)
+{
+    return QString::fromUtf8(utf8.constData(), utf8.size());
+}
+
 FuzzTarget::Input::Input(const std::uint8_t* data, std::size_t size)
     : m_bytes(reinterpret_cast<const char*>(data), static_cast<int>(size))
 {

@@ -25,6 +25,9 @@ void require(bool isKept, const char* promise);
 void requireEqual(const QString& actual, const QString& expected, const char* promise);
 void requireEqual(const QByteArray& actual, const QByteArray& expected, const char* promise);
 
+/** UTF-8 as text, zero bytes and all; QString's own way ends at the first of them. */
+QString textOf(const QByteArray& utf8);
+
 /** Takes an input apart from its front. Past the end there are zeros and empty texts. */
 class Input
 {

@@ -3,9 +3,11 @@
 //
 // The input is an XML document; its outermost element is read.
 
+#include "fuzz/DocumentMutator.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/MemoryFile.h"
 #include "fuzz/ProfileRules.h"
+#include "fuzz/Vocabularies.h"
 
 #include "ZelMain/FrequencyCompatibility/QtPkCompatProfile.h"
 
@@ -123,6 +125,11 @@ void checkFile(const QtPkCompatProfile& profile)
 }
 
 } // namespace
+
+const Vocabulary& vocabularyOfTarget()
+{
+    return Vocabularies::compatProfile();
+}
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

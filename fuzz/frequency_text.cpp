@@ -305,9 +305,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         LOCALES[static_cast<std::size_t>(input.takeNumber(static_cast<int>(LOCALES.size())))])));
     const int units = input.takeNumber(UNIT_COUNT);
     const int decimals = input.takeNumber(MAX_DECIMALS);
-    const QString suffix = QString::fromUtf8(input.takeLine());
+    const QString suffix = FuzzTarget::textOf(input.takeLine());
     const QByteArray rest = input.takeRest();
-    const QString text = QString::fromUtf8(rest);
+    const QString text = FuzzTarget::textOf(rest);
 
     checkReading(text, units);
     checkUnits(text);

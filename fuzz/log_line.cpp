@@ -55,9 +55,9 @@ struct Message
         isFromMainThread = (layout & 16) != 0;
         const int times = 1 + input.takeByte();
         milliseconds = input.takeByte() * 4 % 1000;
-        userName = QString::fromUtf8(input.takeLine());
-        pattern = QString::fromUtf8(input.takeLine());
-        text = QString::fromUtf8(input.takeRest()).repeated(times).left(MAX_MESSAGE_SIZE);
+        userName = FuzzTarget::textOf(input.takeLine());
+        pattern = FuzzTarget::textOf(input.takeLine());
+        text = FuzzTarget::textOf(input.takeRest()).repeated(times).left(MAX_MESSAGE_SIZE);
     }
 
     int level;

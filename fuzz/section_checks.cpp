@@ -3,7 +3,9 @@
 //
 // The input is an XML document.
 
+#include "fuzz/DocumentMutator.h"
 #include "fuzz/FuzzTarget.h"
+#include "fuzz/Vocabularies.h"
 
 #include "ZelMain/ImportExport/XmlVersions.h"
 
@@ -150,6 +152,11 @@ void checkOne(const QDomElement& element)
 }
 
 } // namespace
+
+const Vocabulary& vocabularyOfTarget()
+{
+    return Vocabularies::sections();
+}
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -3,8 +3,10 @@
 //
 // The input is an XML document; its outermost element is read.
 
+#include "fuzz/DocumentMutator.h"
 #include "fuzz/FuzzTarget.h"
 #include "fuzz/ProfileRules.h"
+#include "fuzz/Vocabularies.h"
 
 #include "ZelMain/FrequencyCompatibility/QtPkTuningCapability.h"
 
@@ -168,6 +170,11 @@ void check(const QDomElement& element)
 }
 
 } // namespace
+
+const Vocabulary& vocabularyOfTarget()
+{
+    return Vocabularies::tuningCapability();
+}
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

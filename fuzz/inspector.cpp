@@ -1,0 +1,212 @@
+// Hunts documents of which the inspector foretells something else than the conversion does, whose
+// right conversion it calls wrong, or that bring its reports out of their form.
+//
+// The input is what a file holds, and what comes on standard input.
+
+#include "fuzz/ConvertedDocument.h"
+#include "fuzz/DocumentMutator.h"
+#include "fuzz/FuzzTarget.h"
+#include "fuzz/MemoryFile.h"
+#include "fuzz/Vocabularies.h"
+
+#include "FileConverters/CoordinationWorkspaceSection/DocumentText.h"
+#include "FileConverters/CoordinationWorkspaceSection/Report.h"
+#include "FileConverters/CoordinationWorkspaceSection/ReportJson.h"
+#include "FileConverters/CoordinationWorkspaceSection/ReportText.h"
+#include "FileConverters/CoordinationWorkspaceSection/TextLayout.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+
+#include <boost/uuid/uuid_io.hpp>
+
+#include <sstream>
+
+using FuzzTarget::require;
+using FuzzTarget::requireEqual;
+
+namespace {
+
+// --- What was foretold, and what came --------------------------------------------------------
+
+QString textOf(const QDomElement& parent, const char* child)
+{
+    return parent.firstChildElement(QLatin1String(child)).text();
+}
+
+void checkSpacings(const PkCompatProfile& foretold, const QDomElement& spacing)
+{
+    const std::pair<const char*, int> values[] = {
+        {"ch_ch", foretold.chCh},       {"imd_2t3o", foretold.imd2t3o},
+        {"imd_2t5o", foretold.imd2t5o}, {"imd_2t7o", foretold.imd2t7o},
+        {"imd_2t9o", foretold.imd2t9o}, {"imd_3t3o", foretold.imd3t3o}};
+    for (const auto& [name, value] : values) {
+        require(textOf(spacing, name) == QString::number(value), "a foretold spacing comes");
+    }
+}
+
+void checkSystem(const InspectedSystem& foretold, const QDomElement& system)
+{
+    const std::pair<const char*, const std::string&> fields[] = {
+        {"band", foretold.key.band},
+        {"series", foretold.key.series},
+        {"tx_profile", foretold.key.txProfile},
+        {"zone", foretold.key.zone},
+        {"incl_group", foretold.key.inclGroup}};
+    for (const auto& [name, value] : fields) {
+        require(textOf(system, name) == QString(value.c_str()), "a foretold key comes");
+    }
+    const QDomElement profile = system.firstChildElement(QStringLiteral("compat_profile"));
+    require(profile.attribute(QStringLiteral("id")).toStdString() ==
+                    boost::uuids::to_string(foretold.after.id) &&
+                profile.attribute(QStringLiteral("name")).toStdString() == foretold.after.name,
+            "a foretold profile comes");
+    checkSpacings(foretold.after, profile.firstChildElement(QStringLiteral("spacing")));
+}
+
+void checkSystems(const std::vector<InspectedSystem>& foretold, const QDomElement& settings)
+{
+    QDomElement system = settings.firstChildElement();
+    for (const InspectedSystem& expected : foretold) {
+        require(!system.isNull(), "each foretold system comes");
+        checkSystem(expected, system);
+        system = system.nextSiblingElement();
+    }
+    require(system.isNull(), "only foretold systems come");
+}
+
+void checkVerdict(const Inspection& inspection, const ConvertedDocument& converted)
+{
+    require((inspection.advice == Inspection::IMPOSSIBLE) ==
+                (converted.outcome != ConvertedDocument::CONVERTED),
+            "exactly what cannot be converted is called impossible");
+    if (converted.outcome != ConvertedDocument::CONVERTED) {
+        return;
+    }
+    checkSystems(inspection.systems, converted.settings());
+    require((inspection.advice == Inspection::CONVERT) <= inspection.losses.empty(),
+            "what loses something is not advised");
+    require(inspection.advice != Inspection::CONVERT || inspection.channels == 0 ||
+                !inspection.systems.empty(),
+            "settings are not lost in silence");
+}
+
+// --- The reports -----------------------------------------------------------------------------
+
+QStringList withoutColours(QString text)
+{
+    static const QRegularExpression COLOUR(QStringLiteral("\x1b\\[[0-9;]*m"));
+    return text.remove(COLOUR).split(QLatin1Char('\n'));
+}
+
+template <typename Report>
+QJsonObject checkReport(const Report& report)
+{
+    const QString text = ReportText::of(report, false);
+    require(text.endsWith(QLatin1Char('\n')), "a report ends with a line feed");
+    const QStringList lines = text.split(QLatin1Char('\n'));
+    for (const QString& line : lines) {
+        require(TextLayout::printable(line) == line, "a report moves no cursor");
+    }
+    require(withoutColours(ReportText::of(report, true)) == lines, "colours change no word");
+    const QByteArray json = ReportJson::of(report);
+    require(json.count('\n') == 1 && json.endsWith('\n'), "an object stands on one line");
+    const QJsonObject object = QJsonDocument::fromJson(json).object();
+    require(object[QStringLiteral("format")].toInt() == ReportJson::FORMAT,
+            "an object can be read and says its format");
+    require(object[QStringLiteral("status")].toInt(-1) == statusOf(report),
+            "an object says the status");
+    return object;
+}
+
+void checkLines(const Findings& findings, int lines)
+{
+    for (const Finding& finding : findings) {
+        require(finding.place.line >= 1 && finding.place.line <= lines,
+                "a finding stands on a line of the document");
+        require(!finding.place.path.isEmpty() || finding.place.line == 1,
+                "a finding stands somewhere");
+    }
+}
+
+// --- Verification ----------------------------------------------------------------------------
+
+void checkVerification(const DocumentText& before, const ConvertedDocument& converted)
+{
+    static MemoryFile after;
+    after.setContent(converted.output);
+    QFile file(after.path());
+    file.open(QIODevice::ReadOnly);
+    const std::optional<DocumentText> afterText = DocumentText::ofOutput(file);
+    require(afterText.has_value(), "what the conversion writes is UTF-8");
+
+    ReadError error;
+    const std::optional<Verification> verification = verifyConversion(before, *afterText, error);
+    require(verification || !converted.isReadableBefore(), "a conversion can be verified");
+    require(!verification || verification->differences.empty(), "a conversion verifies");
+    if (verification) {
+        checkReport(VerificationReport{"before", "after", *verification});
+    } else {
+        checkReport(VerificationReport{"before", "after", error});
+    }
+}
+
+void check(const DocumentText& text, int lines)
+{
+    const ConvertedDocument converted(text.text());
+    ReadError error;
+    const std::optional<Inspection> inspection = inspectDocument(text, error);
+    require(inspection.has_value() == (converted.outcome != ConvertedDocument::NOT_WELL_FORMED),
+            "exactly what the converter can parse is inspected");
+    if (!inspection) {
+        require(error.line >= 1 && error.line <= lines && !error.text.isEmpty(),
+                "an error has a line and a text");
+        checkReport(DocumentReport{"document", error});
+        return;
+    }
+    checkVerdict(*inspection, converted);
+    checkLines(inspection->losses, lines);
+    checkLines(inspection->notes, lines);
+    const QJsonObject object = checkReport(DocumentReport{"document", *inspection});
+    require(object[QStringLiteral("systems")].toArray().size() ==
+                static_cast<int>(inspection->systems.size()),
+            "an object has the systems");
+    if (converted.outcome == ConvertedDocument::CONVERTED) {
+        checkVerification(text, converted);
+    }
+}
+
+int linesOf(const QString& text)
+{
+    static const QRegularExpression END(QStringLiteral("\r\n|\r|\n"));
+    return text.split(END).size();
+}
+
+} // namespace
+
+const Vocabulary& vocabularyOfTarget()
+{
+    return Vocabularies::workspace();
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    FuzzTarget::setUp();
+    static MemoryFile file;
+    const QByteArray bytes = FuzzTarget::Input(data, size).takeRest();
+    file.setContent(bytes);
+    const std::optional<DocumentText> ofFile = DocumentText::ofFile(file.path());
+    require(ofFile.has_value(), "a file in memory can be read");
+    check(*ofFile, linesOf(ofFile->text()));
+
+    std::istringstream stream(bytes.toStdString());
+    const std::optional<DocumentText> ofStream = DocumentText::ofStream(stream);
+    require(ofStream.has_value(), "memory can be read to its end");
+    if (ofStream->text() != ofFile->text()) {
+        check(*ofStream, linesOf(QString::fromLatin1(bytes.constData(), bytes.size())));
+    }
+    return 0;
+}
