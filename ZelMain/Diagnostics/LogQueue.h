@@ -50,6 +50,8 @@ public:
     // For the writer.
 
     bool isEmpty() const;
+    /** Whether nothing is pushed any more; what was may still wait. */
+    bool isStopped() const { return m_isStopped.load(std::memory_order_relaxed); }
     /** Sleeps until there is an entry. @return false after stop(), when nothing is left. */
     bool waitForEntry();
     LogEntry& front();
