@@ -328,6 +328,15 @@ class Verification(Inspect):
         kinds = {difference["kind"] for difference in self.json_line(run)["differences"]}
         self.assertEqual((run.returncode, kinds), (2, {"version", "settings", "container"}))
 
+    def test_a_zero_character_ends_no_document(self):
+        before = self.write("before.xml", sound().replace("<c>", "<c><freq>470\0000</freq>"))
+        after = self.folder / "after.xml"
+        with open(after, "wb") as stream:
+            subprocess.run([CONVERTER, before], stdout=stream, stderr=subprocess.DEVNULL, check=True)
+        self.assertIn(b"\0", after.read_bytes())
+        run = self.inspect("--json", "--verify", before, after)
+        self.assertEqual((run.returncode, self.json_line(run).get("error")), (0, None))
+
     def test_what_has_no_right_conversion_has_an_error(self):
         good = self.write("good.xml", sound())
         for kind, before, after in (
