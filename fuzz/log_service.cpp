@@ -96,11 +96,14 @@ protected:
         if (m_kind == FAILS_TO_WRITE) {
             return -1;
         }
+        // A name with place markers moves the message away from the end of its line.
         const QByteArray line(data, static_cast<int>(size));
-        require(line.endsWith(">\n"), "one line comes at a time, and whole");
-        const int start = line.lastIndexOf('<') + 1;
+        require(line.endsWith('\n') && line.count('\n') == 1 && line.count('<') == 1,
+                "one line comes at a time, and whole");
+        const int start = line.indexOf('<') + 1;
+        const int message = line.mid(start, line.indexOf('>') - start).toInt();
         const std::lock_guard guard(m_mutex);
-        m_messages.push_back(line.mid(start, line.size() - start - 2).toInt());
+        m_messages.push_back(message);
         m_changed.notify_all();
         return size;
     }
@@ -115,7 +118,7 @@ private:
 /** A device, and what the model knows of it. */
 struct ModelDevice
 {
-    explicit ModelDevice(Device::Kind kind) : real(new Device(kind)), kind(kind) {}
+    explicit ModelDevice(Device::Kind itsKind) : real(new Device(itsKind)), kind(itsKind) {}
 
     void open() { isOpen = isOpen || kind != Device::FAILS_TO_OPEN; }
 
