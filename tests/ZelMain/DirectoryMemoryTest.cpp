@@ -1,5 +1,6 @@
 #include "ZelMain/DirectoryMemory.h"
 
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/MessageRecorder.h"
 
 #include <QDir>
@@ -53,6 +54,9 @@ private slots:
     void fixedFolderIsRestoredFromItsDefault();
     void fixedFolderStoredByHandIsRestored();
     void settingsStandInTheUsersStoreOfTheFamily();
+    void settingsThatCannotBeWrittenRememberNothing_data();
+    void settingsThatCannotBeWrittenRememberNothing();
+    void settingsStayWholeOnAFullDisk();
     void hasAVirtualDestructor();
 };
 
@@ -395,6 +399,59 @@ void DirectoryMemoryTest::settingsStandInTheUsersStoreOfTheFamily()
     QCoreApplication::setOrganizationName(QString());
     QVERIFY(QFile::exists(home() + "/.config/Velto/Zel6.conf"));
     QVERIFY(!QFile::exists(home() + "/.config/Somebody"));
+}
+
+void DirectoryMemoryTest::settingsThatCannotBeWrittenRememberNothing_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("a file for the folder") << ".config"
+                                           << "";
+    QTest::newRow("a file for the family's folder") << ".config/Velto"
+                                                    << ".config";
+    QTest::newRow("a folder for the file") << ""
+                                           << ".config/Velto/Zel6.conf";
+}
+
+void DirectoryMemoryTest::settingsThatCannotBeWrittenRememberNothing()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, folder);
+    if (!folder.isEmpty()) {
+        makeFolder(folder);
+    }
+    if (!file.isEmpty()) {
+        QVERIFY(QFile(home() + '/' + file).open(QIODevice::WriteOnly));
+    }
+    const QString dir = makeFolder("somewhere else");
+    const QString byDefault = home() + "/Documents/Velto/LogFiles";
+    const MessageRecorder recorder;
+    DirectoryMemory().SaveDir(DirectoryMemory::LogFiles, dir);
+    QCOMPARE(DirectoryMemory().RestoreDir(DirectoryMemory::LogFiles), byDefault);
+    QCOMPARE(DirectoryMemory().RestoreDir(DirectoryMemory::LogFiles), byDefault);
+    QVERIFY(recorder.messages().isEmpty());
+
+    QVERIFY(file.isEmpty() || QFile::remove(home() + '/' + file));
+    QVERIFY(folder.isEmpty() || QDir().rmdir(home() + '/' + folder));
+    DirectoryMemory().SaveDir(DirectoryMemory::LogFiles, dir);
+    QCOMPARE(DirectoryMemory().RestoreDir(DirectoryMemory::LogFiles), dir);
+}
+
+void DirectoryMemoryTest::settingsStayWholeOnAFullDisk()
+{
+    const QString dir = makeFolder("somewhere else");
+    DirectoryMemory().SaveDir(DirectoryMemory::LogFiles, dir);
+    QFile settings(home() + "/.config/Velto/Zel6.conf");
+    QVERIFY(settings.open(QIODevice::ReadOnly));
+    const QByteArray before = settings.readAll();
+    QVERIFY(before.contains("somewhere else"));
+    settings.close();
+    {
+        const FileSizeLimit limit(10);
+        DirectoryMemory().SaveDir(DirectoryMemory::ShowFiles, dir);
+    }
+    QVERIFY(settings.open(QIODevice::ReadOnly));
+    QCOMPARE(settings.readAll(), before);
 }
 
 void DirectoryMemoryTest::hasAVirtualDestructor()

@@ -45,6 +45,7 @@ private slots:
     void settingsAreThoseOfTheNamedApplication();
     void organisationAloneNamesAnApplicationObject();
     void folderIsSharedByAllApplications();
+    void settingsThatCannotBeWrittenGiveTheDefaults();
 
     void operationsStandInTheirSlots();
 };
@@ -268,6 +269,24 @@ void FileOutDevConfigTest::folderIsSharedByAllApplications()
     FileOutDevConfig("banner").rememberFolderName(home());
     QCoreApplication::setOrganizationName("Somebody else");
     QCOMPARE(FileOutDevConfig("banner").getFolderName(), home());
+}
+
+void FileOutDevConfigTest::settingsThatCannotBeWrittenGiveTheDefaults()
+{
+    QVERIFY(QFile(home() + "/.config").open(QIODevice::WriteOnly)); // in the folder's place
+    QVERIFY(QFile(home() + "/Documents").open(QIODevice::WriteOnly));
+    {
+        FileOutDevConfig config("banner");
+        config.rememberBaseFileName("MyLog");
+        config.rememberFolderName(home() + "/own logs");
+        config.rememberSizeLimit(1);
+        config.rememberTimeLimit(2);
+    }
+    const FileOutDevConfig config("banner");
+    QCOMPARE(config.getBaseFileName(), QStringLiteral("ZelLogFile"));
+    QCOMPARE(config.getSizeLimit(), 16U);
+    QCOMPARE(config.getTimeLimit(), 8U);
+    QCOMPARE(config.getFolderName(), home()); // the default cannot be made either
 }
 
 void FileOutDevConfigTest::operationsStandInTheirSlots()

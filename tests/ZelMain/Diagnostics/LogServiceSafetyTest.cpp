@@ -2,12 +2,14 @@
 
 #include "ZelMain/Diagnostics/LoggerImpl.h"
 #include "tests/ZelMain/Diagnostics/RecordingDevice.h"
+#include "tests/support/FileSizeLimit.h"
 
+#include <QDir>
 #include <QFile>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <csignal>
 #include <functional>
 #include <future>
 #include <memory>
@@ -15,7 +17,6 @@
 #include <vector>
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -116,6 +117,10 @@ class LogServiceSafetyTest : public QObject
 private slots:
     void failingDeviceCostsItsOwnLinesOnly();
     void fullDiskGetsLinesAgainWhenItHasSpace();
+    void deviceThatCannotBeOpenedCostsItsOwnLinesOnly_data();
+    void deviceThatCannotBeOpenedCostsItsOwnLinesOnly();
+    void deviceThatItsOwnerClosesComesBackWithItsSwitch();
+    void serviceNeedsNeitherHomeFolderNorSettings();
     void blockedWriterHoldsUpNobodyWhoLogs();
     void callThatClosesDevicesWaitsForTheWriteUnderWay();
     void blockedOpenHoldsUpNobodyWhoLogs();
@@ -160,34 +165,6 @@ void LogServiceSafetyTest::failingDeviceCostsItsOwnLinesOnly()
     QVERIFY(failing->text().endsWith(" second\n"));
 }
 
-namespace {
-
-/** A limit on the size of files stands for a disk that is full: writes beyond it fail. */
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes)
-    {
-        m_handler = signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        (void)signal(SIGXFSZ, m_handler);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int);
-};
-
-} // namespace
-
 void LogServiceSafetyTest::fullDiskGetsLinesAgainWhenItHasSpace()
 {
     ImpatientService service;
@@ -226,6 +203,112 @@ void LogServiceSafetyTest::fullDiskGetsLinesAgainWhenItHasSpace()
     }
     QCOMPARE(again, 10);
     QVERIFY(lines.size() < 1000); // lines were lost while there was no space
+}
+
+void LogServiceSafetyTest::deviceThatCannotBeOpenedCostsItsOwnLinesOnly_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("in no folder") << "no/such/folder";
+    QTest::newRow("below a file") << "file/log.txt";
+    QTest::newRow("a folder") << "folder";
+}
+
+void LogServiceSafetyTest::deviceThatCannotBeOpenedCostsItsOwnLinesOnly()
+{
+    QFETCH(QString, path);
+    QTemporaryDir home;
+    const QDir folder(home.path());
+    folder.mkdir("folder");
+    QFile(folder.filePath("file")).open(QIODevice::WriteOnly);
+
+    ImpatientService service;
+    service.initLogService({});
+    const auto file = [&] { return QSharedPointer<QFile>::create(folder.filePath(path)); };
+    const auto common = file();
+    const auto own = file();
+    const auto sound = QSharedPointer<RecordingDevice>::create();
+    service.registerOutputDevice(common);
+    service.registerOutputDevice(sound);
+    service.enableInfoOutput(true);
+    service.getLoggerObject(USER);
+    service.enableUserOutput(USER, true);
+    service.getLoggerObject("OWN", own, QStringLiteral("'T'"), {});
+    const auto logOnce = [&](int lines) {
+        service.enableUserOutput("OWN", true);
+        service.enableLogger(true);
+        QVERIFY(log(service, 2, "own")); // taken, since nobody knows about its device
+        QVERIFY(log(service, 1, "common"));
+        QVERIFY(sound->waitForLines(lines)); // the last line of both
+    };
+
+    logOnce(1);
+    QVERIFY(!common->isOpen());
+    QVERIFY(!own->isOpen());
+
+    // With nothing in the way any more the next switch opens them.
+    service.enableLogger(false);
+    service.enableUserOutput("OWN", false);
+    QVERIFY(QDir(home.path()).removeRecursively());
+    QVERIFY(QDir().mkpath(QFileInfo(folder.filePath(path)).path()));
+    logOnce(2);
+    QVERIFY(common->isOpen());
+    service.closeLogger();
+    QFile written(folder.filePath(path));
+    QVERIFY(written.open(QIODevice::ReadOnly));
+    QVERIFY(written.readAll().count('\n') > 0);
+}
+
+void LogServiceSafetyTest::deviceThatItsOwnerClosesComesBackWithItsSwitch()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto common = QSharedPointer<RecordingDevice>::create();
+    const auto sound = QSharedPointer<RecordingDevice>::create();
+    service.registerOutputDevice(common);
+    service.registerOutputDevice(sound);
+    service.enableLogger(true);
+    service.enableInfoOutput(true);
+    service.getLoggerObject(USER);
+    service.enableUserOutput(USER, true);
+    const auto own = addUser(service, "OWN");
+
+    common->close();
+    own->close();
+    QVERIFY(log(service, 2, "lost"));
+    QVERIFY(log(service, 1, "first"));
+    QVERIFY(sound->waitForLines(1));
+    service.enableLogger(false);
+    service.enableUserOutput("OWN", false);
+    service.enableLogger(true);
+    service.enableUserOutput("OWN", true);
+    QVERIFY(log(service, 2, "kept"));
+    QVERIFY(log(service, 1, "second"));
+    service.closeLogger();
+
+    QCOMPARE(sound->lines().size(), 2);
+    QCOMPARE(common->lines().size(), 1);
+    QVERIFY(common->text().endsWith(" second\n"));
+    QCOMPARE(own->text(), QByteArray("T kept\n"));
+}
+
+void LogServiceSafetyTest::serviceNeedsNeitherHomeFolderNorSettings()
+{
+    const QByteArray home = qgetenv("HOME");
+    qputenv("HOME", "/dev/null"); // nothing can be made below a file
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, "/dev/null/.config");
+    {
+        ImpatientService service; // looks up the log folder
+        for (int start = 0; start < 2; ++start) {
+            service.initLogService({});
+            const auto device = addUser(service, USER);
+            QVERIFY(log(service, 1, "text"));
+            service.closeLogger();
+            QCOMPARE(device->text(), QByteArray("T text\n"));
+        }
+    }
+    qputenv("HOME", home);
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       QFile::decodeName(qgetenv("XDG_CONFIG_HOME")));
 }
 
 void LogServiceSafetyTest::blockedWriterHoldsUpNobodyWhoLogs()

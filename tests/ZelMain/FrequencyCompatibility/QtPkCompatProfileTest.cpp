@@ -1,5 +1,6 @@
 #include "ZelMain/FrequencyCompatibility/QtPkCompatProfile.h"
 
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/MessageRecorder.h"
 #include "tests/support/VirtualSlot.h"
 
@@ -217,6 +218,7 @@ private slots:
     void constProfileWritesTheLightForm();
     void fileThatCannotBeWrittenIsReported_data();
     void fileThatCannotBeWrittenIsReported();
+    void diskThatFillsUpIsReported();
     void fileThatDoesNotStartWithTheElementIsRefused_data();
     void fileThatDoesNotStartWithTheElementIsRefused();
     void pathWithoutANameIsRefused();
@@ -811,6 +813,25 @@ void QtPkCompatProfileTest::fileThatCannotBeWrittenIsReported()
     QtPkCompatProfile profile;
     QVERIFY(!profile.Export(path.toStdString(), false));
     QVERIFY(recorder.messages().isEmpty());
+}
+
+void QtPkCompatProfileTest::diskThatFillsUpIsReported()
+{
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("profile.xml")).toStdString();
+    QtPkCompatProfile profile;
+    profile.filterType = EBF_CENTER_LIST;
+    profile.filterCenterList.assign(10000, 470000); // more than the buffers on the way hold
+    {
+        const FileSizeLimit limit(20000);
+        QVERIFY(!profile.Export(path, true));
+    }
+    {
+        const FileSizeLimit limit(100); // less than they hold
+        QVERIFY(!QtPkCompatProfile().Export(path, true));
+    }
+    QVERIFY(QtPkCompatProfile().Export(path, true));
+    QVERIFY(QtPkCompatProfile().Import(path));
 }
 
 void QtPkCompatProfileTest::fileThatDoesNotStartWithTheElementIsRefused_data()

@@ -1,5 +1,6 @@
 #include "ZelMain/FrequencyCompatibility/QtPkTuningCapability.h"
 
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/VirtualSlot.h"
 
 #include <QBuffer>
@@ -186,6 +187,7 @@ private slots:
     void failedWriteIsNoSuccess();
     void fileIsWrittenWhole();
     void fileThatCannotBeWrittenIsNoSuccess();
+    void diskThatFillsUpIsNoSuccess();
     void constExportWritesNothing();
     void filesAreWellFormed_data();
     void filesAreWellFormed();
@@ -826,6 +828,23 @@ void QtPkTuningCapabilityTest::fileThatCannotBeWrittenIsNoSuccess()
     QVERIFY(!capability.Export(std::string(), true));
     QVERIFY(!capability.Export(std::string("/dev/full"), true));
     QCOMPARE(messages, QStringList());
+}
+
+void QtPkTuningCapabilityTest::diskThatFillsUpIsNoSuccess()
+{
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("capability.xml")).toStdString();
+    QtPkTuningCapability capability = listed();
+    {
+        const FileSizeLimit limit(100); // less than the buffers on the way hold
+        QVERIFY(!QtPkTuningCapability(capability).Export(path, true));
+    }
+    capability.freqList.assign(10000, 470000); // more than they hold
+    {
+        const FileSizeLimit limit(20000);
+        QVERIFY(!QtPkTuningCapability(capability).Export(path, true));
+    }
+    QVERIFY(capability.Export(path, true));
 }
 
 void QtPkTuningCapabilityTest::constExportWritesNothing()

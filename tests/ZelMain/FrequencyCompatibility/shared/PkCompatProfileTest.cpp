@@ -1,5 +1,6 @@
 #include "ZelMain/FrequencyCompatibility/shared/PkCompatProfile.h"
 
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/VirtualSlot.h"
 
 #include <QDir>
@@ -82,6 +83,8 @@ private slots:
     void fileAsksForTheElementVirtually();
     void fileThatCannotBeWrittenIsReported_data();
     void fileThatCannotBeWrittenIsReported();
+    void diskThatFillsUpIsReported_data();
+    void diskThatFillsUpIsReported();
     void recordCannotReadItselfNorBeBinary();
 };
 
@@ -251,6 +254,27 @@ void PkCompatProfileTest::fileThatCannotBeWrittenIsReported()
 {
     QFETCH(QString, path);
     QVERIFY(!PkCompatProfile().Export(path.toStdString(), false));
+}
+
+void PkCompatProfileTest::diskThatFillsUpIsReported_data()
+{
+    QTest::addColumn<int>("nameSize");
+    QTest::newRow("within the buffers on the way") << 10;
+    QTest::newRow("beyond them") << 100000;
+}
+
+void PkCompatProfileTest::diskThatFillsUpIsReported()
+{
+    QFETCH(int, nameSize);
+    const QTemporaryDir folder;
+    const std::string path = folder.filePath(QStringLiteral("profile.xml")).toStdString();
+    PkCompatProfile profile;
+    profile.name = std::string(static_cast<std::size_t>(nameSize), 'n');
+    {
+        const FileSizeLimit limit(100);
+        QVERIFY(!profile.Export(path, false));
+    }
+    QVERIFY(profile.Export(path, false));
 }
 
 void PkCompatProfileTest::recordCannotReadItselfNorBeBinary()
