@@ -64,14 +64,14 @@ QByteArray FuzzTarget::Input::takeLine()
 {
     const int lineFeed = m_bytes.indexOf('\n', m_position);
     const int end = lineFeed < 0 ? m_bytes.size() : lineFeed;
-    const QByteArray line = m_bytes.mid(m_position, end - m_position);
+    QByteArray line = m_bytes.mid(m_position, end - m_position);
     m_position = end + 1;
     return line;
 }
 
 QByteArray FuzzTarget::Input::takeRest()
 {
-    const QByteArray rest = m_bytes.mid(m_position);
+    QByteArray rest = m_bytes.mid(m_position);
     m_position = m_bytes.size();
     return rest;
 }

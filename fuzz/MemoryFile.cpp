@@ -31,7 +31,7 @@ QByteArray MemoryFile::content() const
     return bytes;
 }
 
-void MemoryFile::setContent(const QByteArray& bytes)
+void MemoryFile::setContent(const QByteArray& bytes) const
 {
     require(::ftruncate(m_descriptor, 0) == 0 &&
                 ::pwrite(m_descriptor, bytes.constData(), static_cast<std::size_t>(bytes.size()),

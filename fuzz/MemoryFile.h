@@ -14,7 +14,7 @@ public:
 
     QString path() const;
     QByteArray content() const;
-    void setContent(const QByteArray& bytes);
+    void setContent(const QByteArray& bytes) const;
 
 private:
     const int m_descriptor;

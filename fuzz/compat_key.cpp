@@ -94,7 +94,7 @@ Key fullOfOtherText()
 template <typename Key>
 void checkText(const std::string& text, const std::optional<Fields>& expected)
 {
-    Key key = fullOfOtherText<Key>();
+    auto key = fullOfOtherText<Key>();
     const bool isRead = key.FromString(text);
     require(isRead == expected.has_value(),
             "a text is read when the fields that must be filled are");
@@ -116,7 +116,7 @@ void checkBinary(const std::string& bytes)
 {
     const std::size_t first = bytes.find('\0');
     const std::size_t second = first == std::string::npos ? first : bytes.find('\0', first + 1);
-    BasicCompatSystemUniqueKey key = fullOfOtherText<BasicCompatSystemUniqueKey>();
+    auto key = fullOfOtherText<BasicCompatSystemUniqueKey>();
     const bool isRead = key.Deserialize(bytes.data(), static_cast<int>(bytes.size()));
     require(isRead == (second != std::string::npos), "bytes with two zeros are a key");
     if (!isRead) {
@@ -138,7 +138,7 @@ void checkBinary(const std::string& bytes)
 template <typename Key>
 void checkNoBinary(const std::string& bytes)
 {
-    Key key = fullOfOtherText<Key>();
+    auto key = fullOfOtherText<Key>();
     const Fields before = fieldsOf(key);
     require(!key.Deserialize(bytes.data(), static_cast<int>(bytes.size())) &&
                 fieldsOf(key) == before,

@@ -113,11 +113,11 @@ void checkLightForm(const PkCompatProfile& profile)
 
 void checkFile(const QtPkCompatProfile& profile)
 {
-    static const MemoryFile FILE;
-    const std::string path = FILE.path().toStdString();
+    static const MemoryFile SCRATCH;
+    const std::string path = SCRATCH.path().toStdString();
     QtPkCompatProfile writer = profile;
     require(writer.Export(path, true), "memory takes what is stored");
-    requireEqual(FILE.content(), stored(profile, true), "a file holds what is stored");
+    requireEqual(SCRATCH.content(), stored(profile, true), "a file holds what is stored");
     QtPkCompatProfile reader;
     require(reader.Import(path), "a written file can be read");
     require(ProfileRules::areEqual(reader, withWhatIsWritten(profile, true)),

@@ -26,10 +26,10 @@ namespace {
 
 QString readAsFile(const QByteArray& bytes)
 {
-    static MemoryFile file;
-    file.setContent(bytes);
+    static const MemoryFile SCRATCH;
+    SCRATCH.setContent(bytes);
     QString text;
-    CoordWorkSpaceSectionConverter0_3::ReadInputFile(file.path(), text);
+    CoordWorkSpaceSectionConverter0_3::ReadInputFile(SCRATCH.path(), text);
     return text;
 }
 

@@ -47,11 +47,7 @@ int rounded(double value)
     if (value <= std::numeric_limits<int>::min()) {
         return std::numeric_limits<int>::min();
     }
-    if (value >= 0.0) {
-        return static_cast<int>(static_cast<qint64>(value + 0.5));
-    }
-    const double below = static_cast<double>(static_cast<qint64>(value - 1.0));
-    return static_cast<int>(static_cast<qint64>(value - below + 0.5) + static_cast<qint64>(below));
+    return static_cast<int>(std::floor(value + 0.5)); // halves upward
 }
 
 Reading readKhz(QString number, double stepsPerUnit)

@@ -26,7 +26,6 @@
 #include <sstream>
 
 using FuzzTarget::require;
-using FuzzTarget::requireEqual;
 
 namespace {
 
@@ -114,7 +113,7 @@ QJsonObject checkReport(const Report& report)
     require(withoutColours(ReportText::of(report, true)) == lines, "colours change no word");
     const QByteArray json = ReportJson::of(report);
     require(json.count('\n') == 1 && json.endsWith('\n'), "an object stands on one line");
-    const QJsonObject object = QJsonDocument::fromJson(json).object();
+    QJsonObject object = QJsonDocument::fromJson(json).object();
     require(object[QStringLiteral("format")].toInt() == ReportJson::FORMAT,
             "an object can be read and says its format");
     require(object[QStringLiteral("status")].toInt(-1) == statusOf(report),
@@ -136,9 +135,9 @@ void checkLines(const Findings& findings, int lines)
 
 void checkVerification(const DocumentText& before, const ConvertedDocument& converted)
 {
-    static MemoryFile after;
-    after.setContent(converted.output);
-    QFile file(after.path());
+    static const MemoryFile AFTER;
+    AFTER.setContent(converted.output);
+    QFile file(AFTER.path());
     file.open(QIODevice::ReadOnly);
     const std::optional<DocumentText> afterText = DocumentText::ofOutput(file);
     require(afterText.has_value(), "what the conversion writes is UTF-8");
@@ -195,10 +194,10 @@ const Vocabulary& vocabularyOfTarget()
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     FuzzTarget::setUp();
-    static MemoryFile file;
+    static const MemoryFile SCRATCH;
     const QByteArray bytes = FuzzTarget::Input(data, size).takeRest();
-    file.setContent(bytes);
-    const std::optional<DocumentText> ofFile = DocumentText::ofFile(file.path());
+    SCRATCH.setContent(bytes);
+    const std::optional<DocumentText> ofFile = DocumentText::ofFile(SCRATCH.path());
     require(ofFile.has_value(), "a file in memory can be read");
     check(*ofFile, linesOf(ofFile->text()));
 

@@ -200,7 +200,8 @@ private:
     void registerDevice(int index);
     void addUser(const QString& name);
     void addUserWithDevice(const QString& name, int index, int options);
-    void addUser(const QString& name, QSharedPointer<LoggerImpl> logger, ModelDevice* device);
+    void addUser(const QString& name, const QSharedPointer<LoggerImpl>& logger,
+                 ModelDevice* device);
     void addManyUsers(int count);
     void switchUser(const QString& name, bool on);
     void closeByOwner(int index);
@@ -471,7 +472,8 @@ void Machine::addUserWithDevice(const QString& name, int index, int options)
             device);
 }
 
-void Machine::addUser(const QString& name, QSharedPointer<LoggerImpl> logger, ModelDevice* device)
+void Machine::addUser(const QString& name, const QSharedPointer<LoggerImpl>& logger,
+                      ModelDevice* device)
 {
     if (!m_isStarted || m_users.size() >= MAX_USERS) {
         require(logger.isNull(), "without a start or a place there is no user");

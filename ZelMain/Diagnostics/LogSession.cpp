@@ -64,7 +64,8 @@ bool LogSession::waitForEntry()
             return true;
         }
         if (queue.isStopped()) {
-            break; // on a busy machine the looks take many times as long, and a close waits for them
+            break; // on a busy machine the looks take many times as long, and a close waits for
+                   // them
         }
         QThread::yieldCurrentThread();
     }
