@@ -64,8 +64,7 @@ bool LogSession::waitForEntry()
             return true;
         }
         if (queue.isStopped()) {
-            break; // on a busy machine the looks take many times as long, and a close waits for
-                   // them
+            break; // a close waits, and on a busy machine the looks take many times as long
         }
         QThread::yieldCurrentThread();
     }
