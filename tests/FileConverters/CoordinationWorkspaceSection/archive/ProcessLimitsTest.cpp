@@ -17,7 +17,7 @@ pid_t startBusyChild()
 {
     const pid_t process = fork();
     if (process == 0) {
-        volatile int turns = 0;
+        volatile unsigned turns = 0;
         for (;;) {
             turns = turns + 1;
         }
