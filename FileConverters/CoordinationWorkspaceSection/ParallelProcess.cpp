@@ -1,7 +1,9 @@
 #include "FileConverters/CoordinationWorkspaceSection/ParallelProcess.h"
 
 #include <csignal>
+#include <cstdlib>
 
+#include <pthread.h>
 #include <sys/prctl.h>
 #include <unistd.h>
 
@@ -10,6 +12,18 @@
 namespace {
 
 constexpr int PATIENCE_MS = 5000;
+
+pid_t ourselves = 0;
+
+// QProcess has its child wait, before setupChildProcess, for a word that a killed parent never
+// says.
+void endWithParent()
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != ourselves) {
+        _exit(EXIT_FAILURE);
+    }
+}
 
 } // namespace
 
@@ -39,6 +53,10 @@ void ParallelProcess::setupChildProcess()
 
 bool ParallelProcess::startJobs(const std::vector<PlannedJob>& planned, int atTheSameTime)
 {
+    if (ourselves == 0) {
+        ourselves = getpid();
+        pthread_atfork(nullptr, nullptr, endWithParent);
+    }
     // Names reach the worker by the environment and the plan, so that no shell has to quote them.
     start(QStringLiteral("parallel"),
           {QStringLiteral("--plain"), QStringLiteral("--will-cite"), QStringLiteral("--tmpdir"),

@@ -67,11 +67,23 @@ def killed_before(call, arguments):
     return run.returncode in (-signal.SIGKILL, 128 + signal.SIGKILL)
 
 
+def processes_of(archive):
+    """Those that have its folder among their arguments."""
+    found = []
+    for arguments in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
+        try:
+            if bytes(archive.folder) in arguments.read_bytes():
+                found.append(arguments.parent.name)
+        except OSError:
+            pass  # it has ended
+    return found
+
+
 def wait_for_jobs(archive):
-    """Until the last job of a killed run has ended."""
+    """Until the last job of a killed run has ended, and nothing of it is left."""
     end = time.monotonic() + SECONDS_A_RUN
-    while is_locked(archive.target):
-        assert time.monotonic() < end, "the jobs of a killed run go on for ever"
+    while is_locked(archive.target) or processes_of(archive):
+        assert time.monotonic() < end, f"left of a killed run: {processes_of(archive)}"
         time.sleep(0.01)
 
 
