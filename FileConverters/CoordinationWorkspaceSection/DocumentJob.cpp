@@ -11,6 +11,7 @@
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <cerrno>
@@ -164,9 +165,9 @@ void DocumentJob::run()
 {
     QElapsedTimer timer;
     timer.start();
-    m_sourceBefore = QFileInfo(m_source);
-    m_sourceBefore.setCaching(true);
-    m_limits = m_settings.limitsFor(m_sourceBefore.size());
+    // What is not there cannot be read, either.
+    stat(QFile::encodeName(m_source).constData(), &m_sourceBefore);
+    m_limits = m_settings.limitsFor(m_sourceBefore.st_size);
     m_deadline = m_limits.deadline();
     if (!(identify() && inspect() && write())) {
         m_output.reset();
@@ -182,7 +183,6 @@ bool DocumentJob::end(DocumentRecord::Outcome outcome, const char* reason, const
 
 bool DocumentJob::identify()
 {
-    m_sourceBefore.lastModified(); // kept from here on
     m_record.source = FileIdentity::of(m_source);
     if (!m_record.source) {
         return end(DocumentRecord::FAILED, "not-readable", QStringLiteral("it cannot be read"));
@@ -326,9 +326,11 @@ bool DocumentJob::verify(const AtomicFile& output)
 // Hash, inspection and conversion have each read the document: they must have read the same.
 bool DocumentJob::isUnchanged()
 {
-    const QFileInfo now(m_source);
-    if (now.size() != m_record.source->size ||
-        now.lastModified() != m_sourceBefore.lastModified()) {
+    struct stat now = {};
+    if (stat(QFile::encodeName(m_source).constData(), &now) != 0 ||
+        now.st_size != m_record.source->size ||
+        now.st_mtim.tv_sec != m_sourceBefore.st_mtim.tv_sec ||
+        now.st_mtim.tv_nsec != m_sourceBefore.st_mtim.tv_nsec) {
         return end(DocumentRecord::FAILED, "changed",
                    QStringLiteral("it was changed while it was read"));
     }

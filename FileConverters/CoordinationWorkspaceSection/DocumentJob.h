@@ -5,9 +5,10 @@
 #include "FileConverters/CoordinationWorkspaceSection/DocumentRecord.h"
 
 #include <QDeadlineTimer>
-#include <QFileInfo>
 
 #include <memory>
+
+#include <sys/stat.h>
 
 class BoundedServer;
 
@@ -56,7 +57,7 @@ private:
     const PlannedDocument m_document;
     const QString m_source;
     BoundedServer& m_reader;
-    QFileInfo m_sourceBefore;
+    struct stat m_sourceBefore = {};
     ProcessLimits m_limits;
     QDeadlineTimer m_deadline;
     DocumentRecord m_record;
