@@ -20,7 +20,7 @@ in SOURCE.
   --fail-if-lossy  end with the status 2 when a document loses something
   --timeout=S      seconds for each document, or none; by default 10 and 1 for each MB of it
   --memory=MB      memory for each document, or none; by default 256 MB and 64 times its size
-  --jobs=N         documents at the same time; by default one for each core
+  --jobs=N         documents at the same time; by default one more than cores
   --report=FILE    by default TARGET/.coordworkspace/report.jsonl
   --json-schema    print the JSON Schema of a report's lines
   --help           print this

@@ -297,11 +297,13 @@ void ArchiveRun::take(const DocumentRecord& record)
 
 ArchiveStatus ArchiveRun::convertAll()
 {
-    const int cores = m_commandLine.jobs > 0 ? m_commandLine.jobs : QThread::idealThreadCount();
+    // One more than cores: a job that waits for its output to be synced leaves its core to another.
+    const int atTheSameTime =
+        m_commandLine.jobs > 0 ? m_commandLine.jobs : QThread::idealThreadCount() + 1;
     ArchiveProgress progress(QStringLiteral("documents"), static_cast<int>(m_documents.size()),
                              bytesOf(m_documents), isTerminal());
-    for (const ArchiveSchedule::Round& round :
-         ArchiveSchedule::roundsOf(m_documents, cores, ArchiveSchedule::availableMemory())) {
+    for (const ArchiveSchedule::Round& round : ArchiveSchedule::roundsOf(
+             m_documents, atTheSameTime, ArchiveSchedule::availableMemory())) {
         const ArchiveStatus status = convertRound(round, progress);
         if (status != ARCHIVE_DONE) {
             return status;

@@ -10,9 +10,9 @@ namespace {
 
 // A job of small documents takes as long as some of the larger ones, so that what Parallel needs to
 // start a job does not count, and a killed run loses little.
-constexpr int MOST_DOCUMENTS_A_JOB = 64;
-constexpr qint64 MOST_BYTES_A_JOB = 1000000;
-constexpr int JOBS_A_CORE = 4; // at least, so that no core waits long for the last one
+constexpr int MOST_DOCUMENTS_A_JOB = 256;
+constexpr qint64 MOST_BYTES_A_JOB = 4000000;
+constexpr int TURNS = 4; // at least, so that no core waits long for the last job
 constexpr qint64 BYTES_PER_KILOBYTE = 1024;
 
 /** The documents by how many of them may be converted at the same time, most first. */
@@ -58,7 +58,7 @@ ArchiveSchedule::roundsOf(const std::vector<PlannedDocument>& documents, int mos
 {
     std::vector<Round> rounds;
     for (const auto& [atATime, fitting] : byMemory(documents, mostAtATime, availableMemory)) {
-        const int share = static_cast<int>(fitting.size()) / (atATime * JOBS_A_CORE);
+        const int share = static_cast<int>(fitting.size()) / (atATime * TURNS);
         rounds.push_back({atATime, jobsOf(fitting, std::clamp(share, 1, MOST_DOCUMENTS_A_JOB))});
     }
     return rounds;
