@@ -3,6 +3,8 @@
 #include <QString>
 #include <QVector>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 /**
  * The folders of the application family: a default under the user's home folder for each kind of
  * file, and the folder that was last used for it.
@@ -93,3 +95,5 @@ public:
 private:
     static const QVector<DirSettings> m_Settings; // indexed by DirType
 };
+
+#pragma GCC visibility pop

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QVariant>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 class QDataStream;
 class QDebug;
 class QLocale;
@@ -272,3 +274,5 @@ QDataStream& operator>>(QDataStream& stream, Frequency& frequency);
 
 /** "[Frequency: 470.125 MHz] - ", with the suffix; the text ends open for more to follow. */
 QDebug operator<<(QDebug debug, const Frequency& frequency);
+
+#pragma GCC visibility pop

@@ -91,6 +91,7 @@ function(zel_optimise_whole_program target)
         # The linker compiles again, and with -fPIE a program would get copies of Qt's data
         # (QCoreApplication's instance, meta-objects) that Qt itself does not use.
         # A library's place on the command line comes after the -fPIE that it corrects.
-        target_link_libraries(${target} PUBLIC $<$<CONFIG:Release,RelWithDebInfo>:-fPIC>)
+        target_link_libraries(${target} PUBLIC
+            $<BUILD_INTERFACE:$<$<CONFIG:Release,RelWithDebInfo>:-fPIC>>)
     endif()
 endfunction()

@@ -2,6 +2,8 @@
 
 #include <array>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 /**
  * The identifier of a connection: 16 bytes, kept in the order in which they are written and
  * printed.
@@ -54,3 +56,5 @@ public:
 private:
     std::array<unsigned char, 16> m_bytes{};
 };
+
+#pragma GCC visibility pop

@@ -2,6 +2,8 @@
 
 #include "ZelMain/Diagnostics/CID.h"
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 /**
  * The identifier of a device: 16 bytes with the text form of a CID, and a type of its own so that
  * connections and devices cannot be taken for each other.
@@ -52,3 +54,5 @@ public:
 private:
     CID m_cid;
 };
+
+#pragma GCC visibility pop

@@ -3,6 +3,8 @@
 #include <QSettings>
 #include <QString>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 namespace PkLogger {
 
 /**
@@ -73,3 +75,5 @@ private:
 };
 
 } // namespace PkLogger
+
+#pragma GCC visibility pop

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QThread>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 namespace PkLogger {
 
 /**
@@ -37,3 +39,5 @@ private:
 };
 
 } // namespace PkLogger
+
+#pragma GCC visibility pop

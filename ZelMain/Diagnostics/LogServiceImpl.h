@@ -11,6 +11,8 @@
 #include <chrono>
 #include <memory>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 namespace PkLogger {
 
 struct UserEntry;
@@ -141,3 +143,5 @@ private:
 };
 
 } // namespace PkLogger
+
+#pragma GCC visibility pop

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 class CID;
 class DCID;
 class QIODevice;
@@ -205,3 +207,5 @@ public:
 };
 
 } // namespace PkLogger
+
+#pragma GCC visibility pop

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 /**
  * The names under which the library's parts log, so that all that logs for one area shares one
  * user: one handle and one switch.
@@ -49,3 +51,5 @@ extern const QStringList m_userLogUsersList;
 extern const QStringList m_userLogDateTimeFormatList;
 
 } // namespace PkLogger::LoggerUsers
+
+#pragma GCC visibility pop

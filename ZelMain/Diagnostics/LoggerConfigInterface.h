@@ -3,6 +3,8 @@
 #include <QString>
 #include <QVector>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 namespace PkLogger {
 
 /**
@@ -44,3 +46,5 @@ protected:
 };
 
 } // namespace PkLogger
+
+#pragma GCC visibility pop

@@ -1,5 +1,7 @@
 #pragma once
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 class QString;
 
 namespace PkLogger {
@@ -40,3 +42,5 @@ public:
 };
 
 } // namespace PkLogger
+
+#pragma GCC visibility pop

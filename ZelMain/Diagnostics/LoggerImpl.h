@@ -7,6 +7,8 @@
 
 #include <cstdarg>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 namespace PkLogger {
 
 class LogServiceImpl;
@@ -66,3 +68,5 @@ private:
 };
 
 } // namespace PkLogger
+
+#pragma GCC visibility pop

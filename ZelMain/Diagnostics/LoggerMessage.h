@@ -2,6 +2,8 @@
 
 #include <QSharedPointer>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 class QString;
 
 namespace PkLogger {
@@ -54,3 +56,5 @@ public:
 };
 
 } // namespace PkLogger
+
+#pragma GCC visibility pop

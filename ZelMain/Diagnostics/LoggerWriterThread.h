@@ -2,6 +2,8 @@
 
 #include <QThread>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 namespace PkLogger {
 
 class LoggerDataAccessInterface;
@@ -23,3 +25,5 @@ private:
 };
 
 } // namespace PkLogger
+
+#pragma GCC visibility pop

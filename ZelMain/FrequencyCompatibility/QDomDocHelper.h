@@ -1,5 +1,7 @@
 #pragma once
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 class QDomDocument;
 class QDomNode;
 class QString;
@@ -16,3 +18,5 @@ namespace QDomDocHelper {
 void CreateChildNode(QDomDocument& doc, QString const& name, QString const& text, QDomNode& parent);
 
 } // namespace QDomDocHelper
+
+#pragma GCC visibility pop

@@ -4,6 +4,8 @@
 
 #include <QDomDocument>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 class QIODevice;
 
 /**
@@ -78,3 +80,5 @@ public:
 private:
     QDomDocument m_document;
 };
+
+#pragma GCC visibility pop

@@ -5,6 +5,8 @@
 #include <QPair>
 #include <QString>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 class QDomElement;
 
 /**
@@ -129,3 +131,5 @@ private:
     /** For each element name the oldest version that is still converted. */
     static QMap<QString, double> m_XmlSectionMinConvertedVersionMap;
 };
+
+#pragma GCC visibility pop

@@ -24,6 +24,7 @@ ARROWS = {
     "ZelMain/ImportExport": {"ZelMain/Diagnostics"},
     "ZelMain/Diagnostics": {"ZelMain/DirectoryMemory"},
     "ZelMain/Frequency": set(),
+    "ZelMain/Version": set(),
     "ZelMain/DirectoryMemory": set(),
 }
 

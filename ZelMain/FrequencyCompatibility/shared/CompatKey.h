@@ -3,6 +3,8 @@
 #include <iosfwd>
 #include <string>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 // The keys are polymorphic so that each form of a key resets, reads and writes itself, and plain
 // values besides: they are copied, stored by value and never deleted through a base. A virtual
 // destructor would only add a slot to their table, so the compilers' advice is off here.
@@ -188,3 +190,5 @@ bool operator<(AgilityOrderedCompatSystemUniqueKey const& left,
 /** Writes key.ToString(), with the text form of what @p key really is. */
 std::ostream& operator<<(std::ostream& stream, BasicCompatSystemUniqueKey const& key);
 std::ostream& operator<<(std::ostream& stream, CompatSystemUniqueKey const& key);
+
+#pragma GCC visibility pop

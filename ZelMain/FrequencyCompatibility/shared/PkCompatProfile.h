@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 namespace tinyxml2 {
 class XMLDocument;
 class XMLElement;
@@ -85,3 +87,5 @@ public:
     bool imdSource = true;     ///< the system is a source of intermodulation products
     bool synthesizable = true; ///< the system's frequency is synthesized, so it can be tuned
 };
+
+#pragma GCC visibility pop

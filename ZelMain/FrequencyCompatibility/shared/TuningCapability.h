@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 /**
  * Which frequencies a wireless system can be set to: a raster, or a list where there is none, in
  * either case perhaps narrowed to sub ranges. All frequencies are whole kilohertz.
@@ -46,3 +48,5 @@ public:
     std::vector<int> freqList;
     std::vector<std::pair<int, int>> subRanges; ///< start and end of each
 };
+
+#pragma GCC visibility pop

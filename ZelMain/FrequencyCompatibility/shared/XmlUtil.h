@@ -2,6 +2,8 @@
 
 #include <string>
 
+#pragma GCC visibility push(default) // what a shared library shows
+
 namespace tinyxml2 {
 class XMLDocument;
 class XMLElement;
@@ -30,3 +32,5 @@ template <typename T>
 std::string ToStr(T const& value);
 
 } // namespace xmlutil
+
+#pragma GCC visibility pop

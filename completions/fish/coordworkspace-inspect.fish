@@ -1,0 +1,8 @@
+complete -c coordworkspace-inspect -l verify -d 'Compare the converted document AFTER with BEFORE'
+complete -c coordworkspace-inspect -l stdin -d 'Read documents as the converter reads standard input'
+complete -c coordworkspace-inspect -l json -d 'One JSON object a line for each document'
+complete -c coordworkspace-inspect -l quiet -d 'Answer by the status alone'
+complete -c coordworkspace-inspect -l color -x -a 'auto always never' -d 'When to colour the report'
+complete -c coordworkspace-inspect -l json-schema -d 'Print the JSON Schema of what --json prints'
+complete -c coordworkspace-inspect -l help -d 'Print the usage'
+complete -c coordworkspace-inspect -l version -d 'Print the version'
