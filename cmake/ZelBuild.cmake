@@ -50,6 +50,11 @@ if(ZEL_HARDENING)
     endif()
 endif()
 
+if(ZEL_REPRODUCIBLE)
+    target_compile_options(zel_build_settings INTERFACE
+        -ffile-prefix-map=${PROJECT_BINARY_DIR}=. -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+endif()
+
 if(ZEL_SANITIZE)
     set(zel_sanitize_flags -fsanitize=${ZEL_SANITIZE} -fno-sanitize-recover=all
         -fno-omit-frame-pointer)

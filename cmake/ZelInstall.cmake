@@ -51,7 +51,7 @@ endfunction()
 function(zel_install_machine_code_only target)
     install(CODE "execute_process(COMMAND_ERROR_IS_FATAL ANY COMMAND \"${CMAKE_OBJCOPY}\"
         --enable-deterministic-archives --wildcard
-        --remove-section=.gnu.lto_* --remove-section=.gnu.debuglto_*
+        --remove-section=.comment --remove-section=.gnu.lto_* --remove-section=.gnu.debuglto_*
         --strip-symbol=__gnu_lto_slim --strip-symbol=__gnu_lto_v1
         \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:${target}>\")"
         COMPONENT development)
