@@ -15,14 +15,13 @@ import unittest
 EXAMPLE = sys.argv[1]
 PROJECT = pathlib.Path(sys.argv[2])
 SOURCE = PROJECT / "examples/check_versions/check_versions.cpp"
-PAGE = PROJECT / "docs/library.md"
-SECTION = "\n## Checking a document before its conversion\n"
+PAGE = PROJECT / "docs/versions.md"
 
 
 def block(language: str) -> str:
-    """The one block of the page's section in that language."""
-    section = PAGE.read_text(encoding="utf-8").split(SECTION)[1].split("\n## ")[0]
-    text, = re.findall(rf"^```{language}\n(.*?)^```$", section, re.DOTALL | re.MULTILINE)
+    """The one block of the page in that language."""
+    text, = re.findall(rf"^```{language}\n(.*?)^```$", PAGE.read_text(encoding="utf-8"),
+                       re.DOTALL | re.MULTILINE)
     return text
 
 

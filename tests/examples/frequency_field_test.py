@@ -7,10 +7,14 @@ usage: frequency_field_test.py EXAMPLE PROJECT_FOLDER
 import os
 import subprocess
 import sys
+import tempfile
 import unittest
 
 EXAMPLE = sys.argv[1]
-ENVIRONMENT = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "LC_ALL": "C.UTF-8"}
+# Qt says so when there is no folder of the session.
+SESSION = tempfile.TemporaryDirectory()
+ENVIRONMENT = {**os.environ, "QT_QPA_PLATFORM": "offscreen", "LC_ALL": "C.UTF-8",
+               "XDG_RUNTIME_DIR": SESSION.name}
 
 
 class FrequencyField(unittest.TestCase):

@@ -14,19 +14,14 @@ import unittest
 EXAMPLE = sys.argv[1]
 PROJECT = pathlib.Path(sys.argv[2])
 SOURCE = PROJECT / "examples/show_frequency/show_frequency.cpp"
-PAGE = PROJECT / "docs/library.md"
-SECTION = "\n## Frequencies\n"
+PAGE = (PROJECT / "docs/frequencies.md").read_text(encoding="utf-8")
 
 FORMS = ["to read", "trimmed", "kilohertz", "megahertz", "gigahertz", "carried as"]
 
 
-def section() -> str:
-    return PAGE.read_text(encoding="utf-8").split(SECTION)[1].split("\n## ")[0]
-
-
 def block(language: str) -> str:
-    """The one block of the page's section in that language."""
-    text, = re.findall(rf"^```{language}\n(.*?)^```$", section(), re.DOTALL | re.MULTILINE)
+    """The one block of the page in that language."""
+    text, = re.findall(rf"^```{language}\n(.*?)^```$", PAGE, re.DOTALL | re.MULTILINE)
     return text
 
 
@@ -49,13 +44,13 @@ class ShowFrequency(unittest.TestCase):
         self.assertEqual(block("cpp"), SOURCE.read_text(encoding="utf-8"))
 
     def test_the_page_shows_what_it_prints(self):
-        text, locale = re.search(r'^`show_frequency "(.*)" (\w+)` prints$', section(),
+        text, locale = re.search(r'^`show_frequency "(.*)" (\w+)` prints$', PAGE,
                                  re.MULTILINE).groups()
         shown = run(text, locale)
         self.assertEqual((shown.returncode, shown.stdout, shown.stderr), (0, block("text"), ""))
 
     def test_the_page_has_the_forms_of_each_locale(self):
-        rows = re.findall(r"^\| (C|\w\w_\w\w) \| (.*) \| (.*) \|$", section(), re.MULTILINE)
+        rows = re.findall(r"^\| (C|\w\w_\w\w) \| (.*) \| (.*) \|$", PAGE, re.MULTILINE)
         self.assertEqual(len(rows), 3)
         for locale, to_string, kilohertz in rows:
             with self.subTest(locale=locale):
