@@ -38,12 +38,51 @@ def without_layout(document: str) -> str:
     return ElementTree.canonicalize(document, strip_text=True)
 
 
+def luminance(colour: str) -> float:
+    """The relative luminance of WCAG 2, of six hexadecimal digits."""
+    parts = [int(colour[place:place + 2], 16) / 255 for place in (0, 2, 4)]
+    linear = [part / 12.92 if part <= 0.04045 else ((part + 0.055) / 1.055) ** 2.4
+              for part in parts]
+    return 0.2126 * linear[0] + 0.7152 * linear[1] + 0.0722 * linear[2]
+
+
 class Docs(unittest.TestCase):
     maxDiff = None
 
     def test_the_readme_is_short(self):
         lines = (PROJECT / "README.md").read_text(encoding="utf-8").splitlines()
         self.assertLess(len(lines), 120)
+
+    def test_the_readme_begins_with_what_for_whom_and_how(self):
+        beginning = (PROJECT / "README.md").read_text(encoding="utf-8").splitlines()[:10]
+        text = " ".join(beginning)
+        for words in ("wireless-microphone", "for programs and people", "old documents"):
+            self.assertIn(words, text)
+        self.assertIn("    scripts/convert samples/festival.xml > converted.xml", beginning)
+        self.assertIn("    scripts/test", beginning)
+
+    def test_the_readme_has_one_picture(self):
+        pictures = re.findall(r"^!\[(.+)\]\((.+)\)$",
+                              (PROJECT / "README.md").read_text(encoding="utf-8"), re.MULTILINE)
+        self.assertEqual(len(pictures), 1)
+        root = ElementTree.parse(PROJECT / pictures[0][1]).getroot()
+        self.assertEqual(root.tag, "{http://www.w3.org/2000/svg}svg")
+        for name in ("title", "desc"):
+            self.assertTrue(root.findtext(f"{{http://www.w3.org/2000/svg}}{name}").strip())
+
+    def test_the_picture_can_be_read_in_light_and_dark(self):
+        """By the contrast that WCAG 2 asks for: 4.5 of texts on what is behind them."""
+        style = ElementTree.parse(PROJECT / "docs/three-places-to-one.svg").find(
+            "{http://www.w3.org/2000/svg}style").text
+        schemes = style.split("@media (prefers-color-scheme: dark)")
+        self.assertEqual(len(schemes), 2)
+        for scheme in schemes:
+            colours = dict(re.findall(r"\.(\w+) \{ fill: #(\w{6})", scheme))
+            for text in ("ink", "soft"):
+                for behind in ("paper", "card", "result"):
+                    with self.subTest(text=text, behind=behind):
+                        lights = sorted(luminance(colours[name]) for name in (text, behind))
+                        self.assertGreater((lights[1] + 0.05) / (lights[0] + 0.05), 4.5)
 
     def test_every_link_leads_to_a_file_and_a_heading(self):
         count = 0

@@ -311,7 +311,7 @@ class InstallPackages(Clone):
             words = line.split("#")[0].split()
             if words:
                 self.assertEqual(len(words), 2, line)
-                self.assertIn(words[0], ("build", "test", "proof"), line)
+                self.assertIn(words[0], ("build", "test", "package", "proof"), line)
 
 
 class Test(Clone):
