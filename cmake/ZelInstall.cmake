@@ -103,6 +103,9 @@ function(zel_install_documentation)
             "${PROJECT_SOURCE_DIR}/examples"
             "${PROJECT_SOURCE_DIR}/samples"
         DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
+    # There when the target "docs" was built.
+    install(DIRECTORY "${PROJECT_BINARY_DIR}/docs/html" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+        COMPONENT documentation OPTIONAL)
 endfunction()
 
 if(ZEL_INSTALL)
