@@ -5,6 +5,8 @@
 #include "ZelMain/FrequencyCompatibility/QtPkCompatProfile.h"
 #include "ZelMain/FrequencyCompatibility/QtPkTuningCapability.h"
 
+#include <QString>
+
 #include <limits>
 #include <string>
 #include <vector>
@@ -74,20 +76,22 @@ int main(int argc, char** argv)
     if (argc != 2) {
         return 2;
     }
-    const std::string folder = std::string(argv[1]) + '/';
+    // The name of a file in the folder, as "FOLDER/profile-3.xml".
+    const auto file = [folder = QString(argv[1])](const char* kind, int number) {
+        return QStringLiteral("%1/%2-%3.xml").arg(folder, kind).arg(number).toStdString();
+    };
     bool isWritten = true;
     int number = 0;
     for (PkCompatProfile const& record : profiles()) {
-        const std::string name = std::to_string(++number) + ".xml";
+        ++number;
         QtPkCompatProfile writer(record);
-        isWritten = writer.Export(folder + "profile-" + name, false) && isWritten;
-        isWritten = record.Export(folder + "light-profile-" + name, false) && isWritten;
+        isWritten = writer.Export(file("profile", number), false) && isWritten;
+        isWritten = record.Export(file("light-profile", number), false) && isWritten;
     }
     number = 0;
     for (TuningCapability const& record : tunings()) {
         QtPkTuningCapability writer(record);
-        isWritten = writer.Export(folder + "tuning-" + std::to_string(++number) + ".xml", false) &&
-                    isWritten;
+        isWritten = writer.Export(file("tuning", ++number), false) && isWritten;
     }
     return isWritten ? 0 : 1;
 }
