@@ -24,6 +24,9 @@ TALKING = [name for name in PROGRAMS if name != SILENT]
 # Each option whose values are words, with these words.
 VALUES = {("coordworkspace-inspect", "--color"): {"auto", "always", "never"}}
 
+# Programs whose arguments are folders; those of the others are documents.
+OF_FOLDERS = set()
+
 SECTIONS = ["NAME", "SYNOPSIS", "DESCRIPTION", "INPUT", "OUTPUT", "DIAGNOSTICS", "EXIT STATUS",
             "MEMORY", "EXAMPLES", "SEE ALSO"]
 
@@ -78,6 +81,20 @@ class Interfaces(unittest.TestCase):
                 with self.subTest(program=name, option=option, teller=type(teller).__name__):
                     self.assertEqual(set(teller.values(option)), words)
 
+    def test_what_is_typed_already_narrows_what_bash_offers(self):
+        for name in TALKING:
+            completion = Bash(COMPLETIONS, name)
+            for option, takes_value in completion.options().items():
+                with self.subTest(program=name, option=option):
+                    self.assertIn(f"{option}=" if takes_value else option,
+                                  completion.complete(option))
+                    self.assertEqual(completion.complete(f"{option}x"), [])
+        for (name, option), words in VALUES.items():
+            for word in words:
+                with self.subTest(program=name, option=option, word=word):
+                    offered = Bash(COMPLETIONS, name).complete(option, "=", word[:2])
+                    self.assertEqual(offered, [word])
+
     def test_the_usage_is_the_synopsis(self):
         for name in TALKING:
             with self.subTest(program=name):
@@ -97,17 +114,19 @@ class Interfaces(unittest.TestCase):
                 self.assertEqual([title for title in SECTIONS if title not in found], [])
                 self.assertTrue(found["NAME"].strip().startswith(f"{name} - "), found["NAME"])
 
-    def test_files_are_offered_for_arguments(self):
+    def test_files_or_folders_are_offered_for_arguments(self):
         with tempfile.TemporaryDirectory() as folder:
-            document = pathlib.Path(folder, "a show.xml")
+            document, shows = pathlib.Path(folder, "a show.xml"), pathlib.Path(folder, "all shows")
             document.touch()
+            shows.mkdir()
             for name in PROGRAMS:
                 with self.subTest(program=name):
-                    offered = " ".join(Bash(COMPLETIONS, name).complete(f"{folder}/a"))
-                    self.assertEqual(offered, str(document))
+                    expected = {shows} if name in OF_FOLDERS else {document, shows}
+                    offered = Bash(COMPLETIONS, name).lines(f"{folder}/a")
+                    self.assertEqual({*map(pathlib.Path, offered)}, expected)
                     offered = Fish(COMPLETIONS, name).complete(f"{folder}/a")
-                    self.assertEqual([word[0].replace("\\", "") for word in offered],
-                                     [str(document)])
+                    self.assertEqual({pathlib.Path(word[0].replace("\\", ""))
+                                      for word in offered}, expected)
 
     def test_the_filter_has_no_options(self):
         self.assertEqual(page(SILENT).options(), {})

@@ -89,9 +89,13 @@ class Bash:
     def __init__(self, folder, name):
         self.script, self.name = str(folder / "bash" / name), name
 
-    def complete(self, *words):
+    def lines(self, *words):
         """What is offered for the last of the words."""
-        return run("bash", "-c", BASH, "bash", self.script, self.name, *words).split()
+        return run("bash", "-c", BASH, "bash", self.script, self.name, *words).splitlines()
+
+    def complete(self, *words):
+        """The words of it; a line that is empty offers nothing."""
+        return [word for word in self.lines(*words) if word]
 
     def options(self):
         return as_options(re.fullmatch(r"(--[\w-]+)(=?)", word).groups()
