@@ -22,15 +22,29 @@ function(zel_complete_man_page name)
         NEWLINE_STYLE UNIX)
 endfunction()
 
+# Lets an installed program find a shared ZelMain from where the two lie.
+function(zel_find_installed_libraries target)
+    if(BUILD_SHARED_LIBS)
+        file(RELATIVE_PATH libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+        set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+    endif()
+endfunction()
+
+# Installs a program that another one runs; it stands beside that one and is for nobody else.
+function(zel_install_helper target)
+    set_property(GLOBAL APPEND PROPERTY ZEL_HELPERS ${target})
+    zel_find_installed_libraries(${target})
+    if(ZEL_INSTALL)
+        install(TARGETS ${target} RUNTIME COMPONENT programs)
+    endif()
+endfunction()
+
 # Installs a program with its man page and its completions. Tests go over the programs of the
 # global property ZEL_PROGRAMS.
 function(zel_install_program target)
     set_property(GLOBAL APPEND PROPERTY ZEL_PROGRAMS ${target})
     zel_complete_man_page(${target})
-    if(BUILD_SHARED_LIBS)
-        file(RELATIVE_PATH libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
-        set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
-    endif()
+    zel_find_installed_libraries(${target})
     if(NOT ZEL_INSTALL)
         return()
     endif()

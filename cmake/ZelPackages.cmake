@@ -21,13 +21,14 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME coordworkspace)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS parallel)
 set(CPACK_DEBIAN_PROGRAMS_DESCRIPTION
 "convert the workspaces of wireless-microphone coordinations
 Documents of a wireless-microphone frequency coordination from before section
 version 0.3 keep what they know about the compatibility of wireless systems
 in three places. The converter joins them into one element; an inspector
 tells beforehand what a conversion will lose, and afterwards whether it was
-right.")
+right; whole folders are converted in a run that may be stopped at any time.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libzelmain-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)

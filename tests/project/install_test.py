@@ -2,7 +2,9 @@
 """Installs the build, component by component, into folders with a blank in their names, moves them,
 and looks at what is there. Programs that use the installed library are built by a long check.
 
-usage: install_test.py PROJECT_FOLDER BUILD_FOLDER CMAKE LIBRARY_FOLDER PROGRAM_NAME...
+usage: install_test.py PROJECT_FOLDER BUILD_FOLDER CMAKE LIBRARY_FOLDER HELPERS PROGRAM_NAME...
+
+HELPERS are the names of programs that others run, with commas between them.
 """
 
 import os
@@ -16,7 +18,8 @@ import unittest
 
 PROJECT, BUILD = map(pathlib.Path, sys.argv[1:3])
 CMAKE, LIBRARIES = sys.argv[3:5]
-PROGRAMS = sys.argv[5:]
+HELPERS = sys.argv[5].split(",")
+PROGRAMS = sys.argv[6:]
 COMPONENTS = ("programs", "development", "documentation")
 CONVERTER = "CoordWorkSpaceSectionConverter0_3"
 LINK = re.compile(r"\[[^\]]+\]\(([^)\s#]+)[^)]*\)")
@@ -49,6 +52,7 @@ class Install(unittest.TestCase):
     def test_the_programs_come_with_their_pages_completions_and_schemas(self):
         expected = [f"share/coordworkspace/schemas/{path.name}"
                     for path in (PROJECT / "docs/schemas").iterdir()]
+        expected += [f"bin/{name}" for name in HELPERS]
         for name in PROGRAMS:
             expected += [f"bin/{name}", f"share/man/man1/{name}.1",
                          f"share/bash-completion/completions/{name}",
@@ -56,7 +60,7 @@ class Install(unittest.TestCase):
                          f"share/fish/vendor_completions.d/{name}.fish"]
         prefix = self.prefixes["programs"]
         self.assertEqual([name for name in files(prefix) if ".so" not in name], sorted(expected))
-        for name in PROGRAMS:
+        for name in [*PROGRAMS, *HELPERS]:
             self.assertTrue(os.access(prefix / "bin" / name, os.X_OK))
 
     def test_an_installed_program_converts(self):

@@ -22,10 +22,14 @@ SILENT = "CoordWorkSpaceSectionConverter0_3"
 TALKING = [name for name in PROGRAMS if name != SILENT]
 
 # Each option whose values are words, with these words.
-VALUES = {("coordworkspace-inspect", "--color"): {"auto", "always", "never"}}
+VALUES = {
+    ("coordworkspace-inspect", "--color"): {"auto", "always", "never"},
+    ("coordworkspace-convert-archive", "--timeout"): {"none"},
+    ("coordworkspace-convert-archive", "--memory"): {"none"},
+}
 
 # Programs whose arguments are folders; those of the others are documents.
-OF_FOLDERS = set()
+OF_FOLDERS = {"coordworkspace-convert-archive"}
 
 SECTIONS = ["NAME", "SYNOPSIS", "DESCRIPTION", "INPUT", "OUTPUT", "DIAGNOSTICS", "EXIT STATUS",
             "MEMORY", "EXAMPLES", "SEE ALSO"]
