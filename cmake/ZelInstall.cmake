@@ -22,20 +22,27 @@ function(zel_complete_man_page name)
         NEWLINE_STYLE UNIX)
 endfunction()
 
-# Lets an installed program find a shared ZelMain from where the two lie.
-function(zel_find_installed_libraries target)
+# Lets an installed program in the folder find a shared ZelMain from where the two lie.
+function(zel_find_installed_libraries target folder)
     if(BUILD_SHARED_LIBS)
-        file(RELATIVE_PATH libraries "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+        file(RELATIVE_PATH libraries "/${folder}" "/${CMAKE_INSTALL_LIBDIR}")
         set_target_properties(${target} PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
     endif()
 endfunction()
 
-# Installs a program that another one runs; it stands beside that one and is for nobody else.
-function(zel_install_helper target)
-    set_property(GLOBAL APPEND PROPERTY ZEL_HELPERS ${target})
-    zel_find_installed_libraries(${target})
+# Installs a program that only PROGRAM runs where no user looks for commands. PROGRAM finds it from
+# its own folder by the path in its constant HELPER_PATH, installed and moved as in the build.
+function(zel_install_helper target program)
+    set(folder "${CMAKE_INSTALL_LIBEXECDIR}/coordworkspace")
+    set_property(GLOBAL APPEND PROPERTY ZEL_HELPERS "${folder}/${target}")
+    file(RELATIVE_PATH from_program "/${CMAKE_INSTALL_BINDIR}" "/${folder}")
+    set_target_properties(${target} PROPERTIES
+        RUNTIME_OUTPUT_DIRECTORY "$<TARGET_FILE_DIR:${program}>/${from_program}")
+    target_compile_definitions(${program} PRIVATE HELPER_PATH="${from_program}/${target}")
+    add_dependencies(${program} ${target})
+    zel_find_installed_libraries(${target} "${folder}")
     if(ZEL_INSTALL)
-        install(TARGETS ${target} RUNTIME COMPONENT programs)
+        install(TARGETS ${target} RUNTIME DESTINATION "${folder}" COMPONENT programs)
     endif()
 endfunction()
 
@@ -44,7 +51,7 @@ endfunction()
 function(zel_install_program target)
     set_property(GLOBAL APPEND PROPERTY ZEL_PROGRAMS ${target})
     zel_complete_man_page(${target})
-    zel_find_installed_libraries(${target})
+    zel_find_installed_libraries(${target} "${CMAKE_INSTALL_BINDIR}")
     if(NOT ZEL_INSTALL)
         return()
     endif()

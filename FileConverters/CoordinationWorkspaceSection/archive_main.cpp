@@ -4,6 +4,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/StopSignals.h"
 #include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -11,11 +12,11 @@
 
 namespace {
 
-// The programs stand side by side, where they are built as where they are installed.
-QString besideThisProgram(const char* name)
+// The programs lie in the same way where they are built as where they are installed.
+QString fromThisProgram(const char* path)
 {
-    return QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath() + QLatin1Char('/') +
-           QLatin1String(name);
+    return QDir::cleanPath(QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath() +
+                           QLatin1Char('/') + QLatin1String(path));
 }
 
 ArchiveStatus refuse(const QString& problem)
@@ -29,8 +30,8 @@ ArchiveStatus refuse(const QString& problem)
 
 ArchiveStatus convert(ArchiveCommandLine commandLine)
 {
-    const QString worker = besideThisProgram("coordworkspace-archive-worker");
-    commandLine.settings.converter = besideThisProgram("CoordWorkSpaceSectionConverter0_3");
+    const QString worker = fromThisProgram(HELPER_PATH);
+    commandLine.settings.converter = fromThisProgram("CoordWorkSpaceSectionConverter0_3");
     for (const QString& program : {worker, commandLine.settings.converter}) {
         if (!QFileInfo(program).isExecutable()) {
             writeUtf8(QStringLiteral("coordworkspace-convert-archive: a program is missing: %1\n")

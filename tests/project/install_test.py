@@ -4,7 +4,7 @@ and looks at what is there. Programs that use the installed library are built by
 
 usage: install_test.py PROJECT_FOLDER BUILD_FOLDER CMAKE LIBRARY_FOLDER HELPERS PROGRAM_NAME...
 
-HELPERS are the names of programs that others run, with commas between them.
+HELPERS are the programs that others run, below the prefix, with commas between them.
 """
 
 import os
@@ -52,7 +52,7 @@ class Install(unittest.TestCase):
     def test_the_programs_come_with_their_pages_completions_and_schemas(self):
         expected = [f"share/coordworkspace/schemas/{path.name}"
                     for path in (PROJECT / "docs/schemas").iterdir()]
-        expected += [f"bin/{name}" for name in HELPERS]
+        expected += HELPERS
         for name in PROGRAMS:
             expected += [f"bin/{name}", f"share/man/man1/{name}.1",
                          f"share/bash-completion/completions/{name}",
@@ -60,8 +60,8 @@ class Install(unittest.TestCase):
                          f"share/fish/vendor_completions.d/{name}.fish"]
         prefix = self.prefixes["programs"]
         self.assertEqual([name for name in files(prefix) if ".so" not in name], sorted(expected))
-        for name in [*PROGRAMS, *HELPERS]:
-            self.assertTrue(os.access(prefix / "bin" / name, os.X_OK))
+        for name in [*(f"bin/{name}" for name in PROGRAMS), *HELPERS]:
+            self.assertTrue(os.access(prefix / name, os.X_OK))
 
     def test_an_installed_program_converts(self):
         sample = PROJECT / "samples/festival.xml"
@@ -70,6 +70,18 @@ class Install(unittest.TestCase):
         self.assertEqual((ran.returncode, ran.stderr), (0, b"\nPROGRESS"))
         built = subprocess.run([BUILD / "bin" / CONVERTER, sample], capture_output=True, timeout=120)
         self.assertEqual(ran.stdout, built.stdout)
+
+    def test_the_installed_archive_program_finds_what_it_runs(self):
+        installed = self.prefixes["programs"] / "bin/coordworkspace-convert-archive"
+        with tempfile.TemporaryDirectory() as folder:
+            source, target = pathlib.Path(folder, "all shows"), pathlib.Path(folder, "converted")
+            source.mkdir()
+            shutil.copy(PROJECT / "samples/festival.xml", source)
+            # A sanitizer reserves more address space than any limit allows.
+            run(installed, "--memory=none", "--timeout=none", source, target)
+            built = subprocess.run([BUILD / "bin" / CONVERTER, source / "festival.xml"],
+                                   capture_output=True, timeout=120)
+            self.assertEqual((target / "festival.xml").read_bytes(), built.stdout)
 
     def test_the_development_files_are_those_of_the_library(self):
         names = files(self.prefixes["development"])

@@ -27,7 +27,7 @@ from archives import (BROKEN, CLEAN, LOSSY, NEWER, NO_UUID, OLD, REPORT, SEVERAL
                       Archive, bomb, contents, is_locked)
 
 PROGRAM = "coordworkspace-convert-archive"
-WORKER = "coordworkspace-archive-worker"
+WORKER = "../libexec/coordworkspace/coordworkspace-archive-worker"
 CONVERTER = "CoordWorkSpaceSectionConverter0_3"
 
 PROGRAMS = pathlib.Path()
@@ -63,9 +63,10 @@ def written(file):
 
 
 def put_in_place(test, name, script):
-    """Has the archive program run a script in the place of one of the programs beside it."""
-    programs = test.folder / "programs"
-    programs.mkdir()
+    """Has the archive program run a script in the place of one of the programs that it runs."""
+    programs = test.folder / "programs/bin"
+    programs.mkdir(parents=True)
+    (programs / WORKER).parent.mkdir(parents=True)
     for other in {PROGRAM, WORKER, CONVERTER} - {name}:
         shutil.copy(PROGRAMS / other, programs / other)
     (programs / name).write_text(f"#!/bin/sh\n{script}\n")
@@ -315,8 +316,9 @@ class Documents(ArchiveTest):
         """How to run as somebody who may not do everything, when we may."""
         if os.geteuid() != 0:
             return {}
-        programs = self.folder / "everybodys"
-        shutil.copytree(PROGRAMS, programs, ignore=shutil.ignore_patterns("*Test"))
+        programs = self.folder / "everybodys/bin"
+        for folder in ("bin", "libexec"):
+            shutil.copytree(PROGRAMS.parent / folder, programs.parent / folder)
         self.archive.program = programs / PROGRAM
         return {"user": NOBODY, "group": NOBODY, "extra_groups": []}
 

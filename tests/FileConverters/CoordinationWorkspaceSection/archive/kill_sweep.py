@@ -30,7 +30,7 @@ from archives import (BROKEN, CLEAN, LOSSY, NEWER, NO_UUID, OLD, SECONDS_A_RUN, 
                       contents, is_locked)
 
 FRONT_END = "coordworkspace-convert-archive"
-WORKER = "coordworkspace-archive-worker"
+WORKER = "../libexec/coordworkspace/coordworkspace-archive-worker"
 CONVERTER = "CoordWorkSpaceSectionConverter0_3"
 CHANGED = CLEAN.replace("Vocal", "Drums")
 DOCUMENT = "show/one.xml"
@@ -98,12 +98,13 @@ def run_when_free(archive):
 
 def saved_plan(archive, programs, folder):
     """The arguments of the worker's only job, with a plan that outlasts the run."""
-    front = folder / "front"
-    front.mkdir(exist_ok=True)
+    front = folder / "front/bin"
+    front.mkdir(parents=True, exist_ok=True)
     for name in (FRONT_END, CONVERTER):
         shutil.copy(programs / name, front / name)
     saved = folder / "plan.jsonl"
     worker = front / WORKER
+    worker.parent.mkdir(parents=True, exist_ok=True)
     worker.write_text(f'#!/bin/sh\ncp "$1" {saved}\necho "$2 $3" >{folder}/job\nexit 1\n')
     worker.chmod(0o755)
     subprocess.run([front / FRONT_END, archive.source, archive.target], capture_output=True,
