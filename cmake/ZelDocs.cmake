@@ -8,10 +8,11 @@ endif()
 
 get_target_property(zel_doxygen_input ZelMain HEADER_SET)
 file(GLOB pages CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/docs/*.md")
-list(APPEND zel_doxygen_input ${pages} 
+list(APPEND zel_doxygen_input ${pages}
     "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
     "${PROJECT_SOURCE_DIR}/CONTRIBUTING.md"
-    "${PROJECT_SOURCE_DIR}/README.md")
+    "${PROJECT_SOURCE_DIR}/README.md"
+    "${PROJECT_SOURCE_DIR}/SECURITY.md")
 list(TRANSFORM zel_doxygen_input PREPEND "\"")
 list(TRANSFORM zel_doxygen_input APPEND "\"")
 list(JOIN zel_doxygen_input " " zel_doxygen_input)

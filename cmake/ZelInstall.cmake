@@ -118,6 +118,7 @@ function(zel_install_documentation)
             "${PROJECT_SOURCE_DIR}/CONTRIBUTING.md"
             "${PROJECT_SOURCE_DIR}/COPYRIGHT"
             "${PROJECT_SOURCE_DIR}/README.md"
+            "${PROJECT_SOURCE_DIR}/SECURITY.md"
         DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT documentation)
     install(DIRECTORY
             "${PROJECT_SOURCE_DIR}/docs"
