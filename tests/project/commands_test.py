@@ -24,15 +24,21 @@ from programs import ManPage
 PROJECT, BUILD = map(pathlib.Path, sys.argv[1:3])
 SANITIZED = "--sanitized" in sys.argv
 PAGES = sorted([*PROJECT.glob("*.md"), *(PROJECT / "docs").glob("*.md")])
+# Which tells of commands, not how to use them.
+PAGES.remove(PROJECT / "CHANGELOG.md")
 MAN_PAGES = sorted((PROJECT / "docs/man").glob("*.1"))
 
 # What ends with another status than 0 by its nature.
 STATUSES = {"build/bin/coordworkspace-inspect samples/festival.xml\n": 2}
 
 # What continuous integration and the long checks do all the time, by the beginning.
-ELSEWHERE = ("scripts/test ", "scripts/proof ", "cmake --preset asan ")
+ELSEWHERE = ("scripts/test ", "scripts/proof ", "scripts/fuzz ", "cmake --preset asan ")
 
 BUILDS = re.compile(r"^(cmake|scripts/|c\+\+|export|ctest)", re.MULTILINE)
+
+# In the middle of a text. Words in capitals stand for what the reader puts in their places.
+INLINE = re.compile(r"`((?:cmake|scripts/|build/)[^`]* [^`]*)`")
+PLACEHOLDER = re.compile(r"(?<![-=\w])[A-Z]{2,}\b")
 
 
 def without_what_runs_elsewhere(command):
@@ -41,11 +47,14 @@ def without_what_runs_elsewhere(command):
 
 
 def commands_of(page):
-    """The blocks of a page that stand four blanks to the right, outside of fences and lists."""
+    """The blocks of a page that stand four blanks to the right, outside of fences and lists, and
+    what is told within a line."""
     text = re.sub(r"^```.*?^```$", "", page.read_text(encoding="utf-8"),
                   flags=re.DOTALL | re.MULTILINE)
     blocks = re.findall(r"(?<=\n\n)(?: {4}.*\n)+", text)
     commands = [re.sub(r"^ {4}", "", block, flags=re.MULTILINE) for block in blocks]
+    commands += [f"{command}\n" for command in INLINE.findall(text)
+                 if not PLACEHOLDER.search(command)]
     return [command for command in map(without_what_runs_elsewhere, commands) if command]
 
 
@@ -59,8 +68,18 @@ def all_commands():
             yield page.name, command
 
 
+def put_documents(folder):
+    """What a user has, under the names that the pages use."""
+    samples = PROJECT / "samples"
+    for name in ("show.xml", "document.xml", "BEFORE"):
+        shutil.copy(samples / "club-show.xml", folder / name)
+    shutil.copy(samples / "festival.xml", folder)
+    for name in ("shows", "SOURCE"):
+        shutil.copytree(samples, folder / name)
+
+
 class Sandbox(unittest.TestCase):
-    """A folder with the project's files and documents under the names that the pages use."""
+    """A folder with the project's files and with documents."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
@@ -68,12 +87,7 @@ class Sandbox(unittest.TestCase):
         self.folder = pathlib.Path(folder.name)
         for name in ("docs", "examples", "samples"):
             (self.folder / name).symlink_to(PROJECT / name)
-        samples = PROJECT / "samples"
-        for name in ("show.xml", "document.xml", "BEFORE"):
-            shutil.copy(samples / "club-show.xml", self.folder / name)
-        shutil.copy(samples / "festival.xml", self.folder)
-        for name in ("shows", "SOURCE"):
-            shutil.copytree(samples, self.folder / name)
+        put_documents(self.folder)
         converter = BUILD / "bin/CoordWorkSpaceSectionConverter0_3"
         with open(self.folder / "AFTER", "wb") as after:
             subprocess.run([converter, self.folder / "BEFORE"], stdout=after, check=True,
@@ -87,7 +101,7 @@ class Sandbox(unittest.TestCase):
     def run_command(self, page, command, **environment):
         settings = {**os.environ, "PATH": f"{BUILD / 'bin'}:{os.environ['PATH']}", **environment}
         ran = subprocess.run(["bash", "-eu", "-c", command], cwd=self.folder,
-                             capture_output=True, encoding="utf-8", timeout=600, env=settings,
+                             capture_output=True, encoding="utf-8", timeout=1800, env=settings,
                              stdin=subprocess.DEVNULL)
         self.assertEqual(ran.returncode, STATUSES.get(command, 0),
                          f"{page}: {command}{ran.stdout}{ran.stderr}")
@@ -144,12 +158,16 @@ class WithLibrary(Sandbox):
 
 
 class WholeClone(Sandbox):
+    def setUp(self):
+        home = tempfile.TemporaryDirectory()
+        self.addCleanup(home.cleanup)
+        self.home, self.folder = home.name, PROJECT
+        put_documents(PROJECT)
+
     def test_every_command_that_builds(self):
         for page, command in all_commands():
             if BUILDS.search(command):
-                self.folder, sandbox = PROJECT, self.folder
-                self.run_command(page, command, HOME=str(sandbox))
-                self.folder = sandbox
+                self.run_command(page, command, HOME=self.home)
 
 
 if __name__ == "__main__":
