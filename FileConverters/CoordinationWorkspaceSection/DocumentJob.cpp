@@ -87,6 +87,7 @@ void judge(const Inspection& inspection, DocumentRecord& record)
     switch (inspection.advice) {
     case Inspection::CONVERT:
         record.outcome = DocumentRecord::CONVERTED;
+        record.systems = ChangedSystem::among(inspection.systems);
         return;
     case Inspection::CURRENT:
         record.outcome = DocumentRecord::CURRENT;
@@ -95,6 +96,7 @@ void judge(const Inspection& inspection, DocumentRecord& record)
     case Inspection::TOO_OLD:
         record.outcome = DocumentRecord::LOSSY;
         record.losses = summaryOf(inspection.losses);
+        record.systems = ChangedSystem::among(inspection.systems);
         return;
     case Inspection::TOO_NEW:
         set(record, DocumentRecord::REFUSED, "too-new",
@@ -228,6 +230,7 @@ bool DocumentJob::inspect()
     m_record.reason = judgement->reason;
     m_record.text = judgement->text;
     m_record.losses = judgement->losses;
+    m_record.systems = judgement->systems;
     if (isLeftAlone(m_record.outcome)) {
         return false;
     }

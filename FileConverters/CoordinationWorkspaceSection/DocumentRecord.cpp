@@ -125,6 +125,9 @@ QByteArray DocumentRecord::toLine() const
     if (earlier) {
         object.insert("earlier", earlier->toJson());
     }
+    if (systems) {
+        object.insert("systems", ChangedSystem::toJson(*systems));
+    }
     return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
@@ -146,6 +149,9 @@ std::optional<DocumentRecord> DocumentRecord::fromLine(const QByteArray& line)
     record.target = FileIdentity::fromJson(object["target"]);
     record.earlier = FileIdentity::fromJson(object["earlier"]);
     record.losses = lossesFrom(object["losses"].toArray());
+    if (object["systems"].isArray()) {
+        record.systems = ChangedSystem::fromJson(object["systems"].toArray());
+    }
     record.isVerified = object["verified"].toBool();
     record.seconds = object["seconds"].toDouble();
     return record;

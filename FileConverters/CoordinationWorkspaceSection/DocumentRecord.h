@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FileConverters/CoordinationWorkspaceSection/ChangedSystem.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -58,6 +60,8 @@ struct DocumentRecord
     std::optional<FileIdentity>
         earlier; ///< what a run wrote for a former version, and still stands
     std::vector<LossSummary> losses;
+    /** Those whose spacings change; none where it was not found out, as in older reports. */
+    std::optional<QVector<ChangedSystem>> systems;
     bool isVerified = false; ///< the target was compared with the source by a reading of its own
     double seconds = 0;
 

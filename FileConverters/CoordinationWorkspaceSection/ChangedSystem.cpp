@@ -1,0 +1,120 @@
+#include "FileConverters/CoordinationWorkspaceSection/ChangedSystem.h"
+
+#include "FileConverters/CoordinationWorkspaceSection/Inspection.h"
+#include "FileConverters/CoordinationWorkspaceSection/Spacings.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace {
+
+static_assert(SPACINGS_OF_SYSTEM.size() == ChangedSystem::SPACING_COUNT);
+
+QString text(const std::string& field)
+{
+    return QString(field.c_str()); // fields are written up to their first NUL
+}
+
+ChangedSystem changedFrom(const InspectedSystem& system)
+{
+    ChangedSystem changed;
+    changed.zone = text(system.key.zone);
+    changed.series = text(system.key.series);
+    changed.band = text(system.key.band);
+    changed.txProfile = text(system.key.txProfile);
+    changed.inclGroup = text(system.key.inclGroup);
+    changed.nameBefore = system.oldName;
+    changed.nameAfter = text(system.after.name);
+    std::transform(
+        SPACINGS_OF_SYSTEM.begin(), SPACINGS_OF_SYSTEM.end(), changed.spacings.begin(),
+        [&](const Spacing& spacing) {
+            return ChangedSystem::Change{system.before.*spacing.field, system.after.*spacing.field};
+        });
+    return changed;
+}
+
+bool isChanged(const ChangedSystem& system)
+{
+    return std::any_of(system.spacings.begin(), system.spacings.end(),
+                       [](const ChangedSystem::Change& change) { return change.isThere(); });
+}
+
+QJsonObject objectOf(const ChangedSystem& system)
+{
+    // Reports hold many systems: what does not change is left to the inspector.
+    QJsonObject spacings;
+    for (std::size_t i = 0; i < system.spacings.size(); ++i) {
+        const ChangedSystem::Change& change = system.spacings[i];
+        if (change.isThere()) {
+            spacings.insert(QLatin1String(SPACINGS_OF_SYSTEM[i].element),
+                            QJsonObject{{"before", change.before}, {"after", change.after}});
+        }
+    }
+    return {{"zone", system.zone},
+            {"series", system.series},
+            {"band", system.band},
+            {"tx_profile", system.txProfile},
+            {"incl_group", system.inclGroup},
+            {"name", QJsonObject{{"before", system.nameBefore}, {"after", system.nameAfter}}},
+            {"spacings", spacings}};
+}
+
+ChangedSystem systemFrom(const QJsonValue& object)
+{
+    ChangedSystem system;
+    system.zone = object["zone"].toString();
+    system.series = object["series"].toString();
+    system.band = object["band"].toString();
+    system.txProfile = object["tx_profile"].toString();
+    system.inclGroup = object["incl_group"].toString();
+    system.nameBefore = object["name"]["before"].toString();
+    system.nameAfter = object["name"]["after"].toString();
+    const QJsonValue spacings = object["spacings"];
+    std::transform(
+        SPACINGS_OF_SYSTEM.begin(), SPACINGS_OF_SYSTEM.end(), system.spacings.begin(),
+        [&](const Spacing& spacing) {
+            const QJsonValue change = spacings[QLatin1String(spacing.element)];
+            return ChangedSystem::Change{change["before"].toInt(), change["after"].toInt()};
+        });
+    return system;
+}
+
+} // namespace
+
+QVector<ChangedSystem> ChangedSystem::among(const std::vector<InspectedSystem>& systems)
+{
+    QVector<ChangedSystem> changed;
+    for (const InspectedSystem& system : systems) {
+        const ChangedSystem candidate = changedFrom(system);
+        if (isChanged(candidate)) {
+            changed.append(candidate);
+        }
+    }
+    return changed;
+}
+
+QString ChangedSystem::headingOf(std::size_t spacing)
+{
+    return QLatin1String(SPACINGS_OF_SYSTEM[spacing].heading);
+}
+
+QJsonArray ChangedSystem::toJson(const QVector<ChangedSystem>& systems)
+{
+    QJsonArray array;
+    for (const ChangedSystem& system : systems) {
+        array.append(objectOf(system));
+    }
+    return array;
+}
+
+QVector<ChangedSystem> ChangedSystem::fromJson(const QJsonArray& array)
+{
+    QVector<ChangedSystem> systems;
+    systems.reserve(array.size());
+    for (const QJsonValue& system : array) {
+        systems.append(systemFrom(system));
+    }
+    return systems;
+}

@@ -1,0 +1,116 @@
+#include "FileConverters/CoordinationWorkspaceSection/DocumentRecord.h"
+#include "FileConverters/CoordinationWorkspaceSection/Inspection.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+class DocumentRecordTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void onlySystemsWhoseSpacingsChangeAreTold();
+    void onlySpacingsThatChangeAreWritten();
+    void systemsGoThroughALineAndBack();
+    void linesFromBeforeTheSystemsAreRead();
+    void noSystemsIsNotTheSameAsNotToldOf();
+};
+
+namespace {
+
+InspectedSystem systemOf(const char* series, int before2t3o, int after2t3o)
+{
+    InspectedSystem system;
+    system.key = CompatSystemUniqueKey("Zone", series, "G1", "Mode", "2");
+    system.oldName = QStringLiteral("median");
+    system.after.name = "Standard";
+    system.before.chCh = system.after.chCh = 300;
+    system.before.imd2t3o = before2t3o;
+    system.after.imd2t3o = after2t3o;
+    return system;
+}
+
+DocumentRecord convertedRecord()
+{
+    DocumentRecord record;
+    record.path = QStringLiteral("a.xml");
+    record.outcome = DocumentRecord::CONVERTED;
+    return record;
+}
+
+} // namespace
+
+void DocumentRecordTest::onlySystemsWhoseSpacingsChangeAreTold()
+{
+    const auto changed = ChangedSystem::among(
+        {systemOf("first", 150, 0), systemOf("same", 150, 150), systemOf("last", 0, 150)});
+    QCOMPARE(changed.size(), 2);
+    QCOMPARE(changed[0].key(), QStringList({"Zone", "first", "G1", "Mode", "2"}));
+    QCOMPARE(changed[1].series, QStringLiteral("last"));
+    QCOMPARE(changed[0].nameBefore, QStringLiteral("median"));
+    QCOMPARE(changed[0].nameAfter, QStringLiteral("Standard"));
+    QVERIFY(!changed[0].spacings[0].isThere());
+    QCOMPARE(changed[0].spacings[1].before, 150);
+    QCOMPARE(changed[0].spacings[1].after, 0);
+    QCOMPARE(ChangedSystem::headingOf(1), QStringLiteral("2T3O"));
+}
+
+void DocumentRecordTest::onlySpacingsThatChangeAreWritten()
+{
+    DocumentRecord record = convertedRecord();
+    record.systems = ChangedSystem::among({systemOf("S", 150, 0)});
+    const QJsonArray systems =
+        QJsonDocument::fromJson(record.toLine()).object().value("systems").toArray();
+    QCOMPARE(systems.size(), 1);
+    const QJsonObject system = systems[0].toObject();
+    QCOMPARE(system, QJsonObject({
+                         {"zone", "Zone"},
+                         {"series", "S"},
+                         {"band", "G1"},
+                         {"tx_profile", "Mode"},
+                         {"incl_group", "2"},
+                         {"name", QJsonObject{{"before", "median"}, {"after", "Standard"}}},
+                         {"spacings",
+                          QJsonObject{{"imd_2t3o", QJsonObject{{"before", 150}, {"after", 0}}}}},
+                     }));
+}
+
+void DocumentRecordTest::systemsGoThroughALineAndBack()
+{
+    DocumentRecord record = convertedRecord();
+    record.systems = ChangedSystem::among({systemOf("S", 150, 0), systemOf("\u202e\"", -1, 7)});
+    const auto read = DocumentRecord::fromLine(record.toLine());
+    QVERIFY(read);
+    QVERIFY(read->tellsTheSameAs(record));
+    QCOMPARE(read->toLine(), record.toLine());
+    QCOMPARE(read->systems->size(), 2);
+    QCOMPARE(read->systems->at(1).spacings[1].before, -1);
+    QCOMPARE(read->systems->at(1).series, QStringLiteral("\u202e\""));
+}
+
+void DocumentRecordTest::linesFromBeforeTheSystemsAreRead()
+{
+    const auto read = DocumentRecord::fromLine(
+        R"({"format":1,"losses":[],"outcome":"converted","path":"a.xml","seconds":0.034,)"
+        R"("source":{"sha256":"0f","size":6580},"target":{"sha256":"b8","size":5587},)"
+        R"("verified":true})");
+    QVERIFY(read);
+    QVERIFY(!read->systems);
+    QVERIFY(read->isVerified);
+    QVERIFY(!read->toLine().contains("systems"));
+}
+
+void DocumentRecordTest::noSystemsIsNotTheSameAsNotToldOf()
+{
+    DocumentRecord told = convertedRecord();
+    told.systems = QVector<ChangedSystem>();
+    const auto read = DocumentRecord::fromLine(told.toLine());
+    QVERIFY(read->systems && read->systems->isEmpty());
+    QVERIFY(!told.tellsTheSameAs(convertedRecord()));
+}
+
+QTEST_GUILESS_MAIN(DocumentRecordTest)
+
+#include "DocumentRecordTest.moc"
