@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 
 #include <fcntl.h>
@@ -16,8 +18,9 @@ namespace {
 
 constexpr mode_t NEW_FILE_MODE = 0666; // less the user's mask
 
-// A record's keys come out in the order of their names.
-const QByteArray BEGIN = "{\"format\":";
+// A record's keys come out in the order of their names; not each has the first of them.
+const std::array<QByteArray, 2> BEGINS = {"{\"earlier\":", "{\"format\":"};
+constexpr int LONGEST_BEGIN = 11;
 
 bool endsInsideALine(int descriptor)
 {
@@ -53,8 +56,10 @@ bool ArchiveReport::mayStandIn(const QString& file)
         return false;
     }
     // A killed run may have left no more than a piece of the first line.
-    const QByteArray begin = report.read(BEGIN.size());
-    return BEGIN.startsWith(begin);
+    const QByteArray line = report.read(LONGEST_BEGIN);
+    return std::any_of(BEGINS.begin(), BEGINS.end(), [&](const QByteArray& begin) {
+        return line.startsWith(begin) || begin.startsWith(line);
+    });
 }
 
 bool ArchiveReport::append(const QString& file, const std::vector<DocumentRecord>& records)
