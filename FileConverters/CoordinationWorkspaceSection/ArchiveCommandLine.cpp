@@ -22,6 +22,7 @@ in SOURCE.
   --memory=MB      memory for each document, or none; by default 256 MB and 64 times its size
   --jobs=N         documents at the same time; by default one more than cores
   --report=FILE    by default TARGET/.coordworkspace/report.jsonl
+  --html=FILE      write the report as a page for the browser as well
   --json-schema    print the JSON Schema of a report's lines
   --help           print this
   --version        print the version
@@ -98,6 +99,7 @@ QString ArchiveCommandLine::parse(const QStringList& arguments)
     parser.addOption(option("memory", "MB"));
     parser.addOption(option("jobs", "N"));
     parser.addOption(option("report", "FILE"));
+    parser.addOption(option("html", "FILE"));
     // The parser takes the first for the program's name.
     if (!parser.parse(QStringList(QString()) + arguments)) {
         return parser.errorText();
@@ -126,13 +128,17 @@ QString ArchiveCommandLine::parse(const QStringList& arguments)
     }
     settings.source = ArchiveTree::realPath(folders[0]);
     settings.target = ArchiveTree::realPath(folders[1]);
-    if (parser.isSet(QStringLiteral("report")) &&
-        parser.value(QStringLiteral("report")).isEmpty()) {
-        return QStringLiteral("--report is the name of a file");
+    for (const QString& name : {QStringLiteral("report"), QStringLiteral("html")}) {
+        if (parser.isSet(name) && parser.value(name).isEmpty()) {
+            return QStringLiteral("--%1 is the name of a file").arg(name);
+        }
     }
     settings.report = parser.isSet(QStringLiteral("report"))
                           ? ArchiveTree::realPath(parser.value(QStringLiteral("report")))
                           : settings.usualReport();
+    if (parser.isSet(QStringLiteral("html"))) {
+        page = ArchiveTree::realPath(parser.value(QStringLiteral("html")));
+    }
     return {};
 }
 

@@ -14,6 +14,7 @@ struct ArchiveCommandLine
     bool forces = false;       ///< replaces what stands in a target's place
     bool isTrial = false;      ///< writes nothing
     bool failsIfLossy = false; ///< sets the status for lossy documents
+    QString page;              ///< a file for the report as a page, absolute; empty for none
     int jobs = 0;              ///< at the same time; 0 for as many as there are cores
 
     /**

@@ -1,6 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveRun.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveLock.h"
+#include "FileConverters/CoordinationWorkspaceSection/ArchivePage.h"
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveProgress.h"
 #include "FileConverters/CoordinationWorkspaceSection/ParallelProcess.h"
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
@@ -24,6 +25,8 @@
 #include <numeric>
 #include <set>
 #include <utility>
+
+#include <unistd.h>
 
 namespace {
 
@@ -92,7 +95,8 @@ QString ArchiveRun::objection() const
     if (ArchiveTree::overlap(m_settings.source, m_settings.report)) {
         return QStringLiteral("the report is inside SOURCE, where nothing is written");
     }
-    return objectionToReport();
+    const QString toReport = objectionToReport();
+    return toReport.isEmpty() && !m_commandLine.page.isEmpty() ? objectionToPage() : toReport;
 }
 
 QString ArchiveRun::objectionToReport() const
@@ -111,11 +115,43 @@ QString ArchiveRun::objectionToReport() const
     return {};
 }
 
+QString ArchiveRun::objectionToPage() const
+{
+    const QString& page = m_commandLine.page;
+    const QString folder = QFileInfo(page).absolutePath();
+    if (ArchiveTree::overlap(m_settings.source, page)) {
+        return QStringLiteral("the page is inside SOURCE, where nothing is written");
+    }
+    if (page == m_settings.report || ArchiveTree::overlap(m_settings.folder(), page)) {
+        return QStringLiteral("the page is among the files that a run keeps for itself: %1")
+            .arg(page);
+    }
+    const bool hasFolder =
+        QFileInfo(folder).isDir() || (folder == m_settings.target && !m_commandLine.isTrial);
+    if (!hasFolder || !ArchivePage::mayStandIn(page)) {
+        return QStringLiteral("the page's place holds something else, or is in no folder: %1")
+            .arg(page);
+    }
+    return {};
+}
+
+// Told before the work rather than after it, as far as it can be; with errno set.
+bool ArchiveRun::mayWritePage() const
+{
+    const QString& page = m_commandLine.page;
+    const QString folder = QFileInfo(page).absolutePath();
+    return page.isEmpty() || !QFileInfo::exists(folder) ||
+           access(QFile::encodeName(folder).constData(), W_OK | X_OK) == 0;
+}
+
 ArchiveStatus ArchiveRun::run()
 {
     if (QStandardPaths::findExecutable(QStringLiteral("parallel")).isEmpty()) {
         say(QStringLiteral("GNU Parallel is missing; its package is \"parallel\""));
         return ARCHIVE_UNAVAILABLE;
+    }
+    if (!mayWritePage()) {
+        return sayCannotWrite(m_commandLine.page);
     }
     if (m_commandLine.isTrial) {
         const QTemporaryDir folder;
@@ -185,6 +221,9 @@ ArchiveStatus ArchiveRun::runWithFolder(const QString& folder)
         return sayCannotWrite(m_settings.report);
     }
     writeUtf8(m_summary.text() + QLatin1Char('\n'), std::cout);
+    if (!m_commandLine.page.isEmpty() && !writePage()) {
+        return sayCannotWrite(m_commandLine.page);
+    }
     return m_summary.status(m_commandLine.failsIfLossy);
 }
 
@@ -237,7 +276,8 @@ void ArchiveRun::planDocument(const ArchiveEntry& entry)
     }
     const QFileInfo target(m_settings.targetOf(entry.path));
     const bool hasPlace = ArchiveTree::hasPlaceFor(m_settings.target, entry.path) &&
-                          target.filePath() != m_settings.report;
+                          target.filePath() != m_settings.report &&
+                          target.filePath() != m_commandLine.page;
     const bool isTaken = target.exists() || target.isSymLink();
     const bool mayReplace = earlier || m_commandLine.forces;
     m_documents.push_back(
@@ -260,6 +300,7 @@ void ArchiveRun::countGone(const std::vector<ArchiveEntry>& entries)
     for (const DocumentRecord& record : m_before.records()) {
         if ((record.target || record.earlier) && paths.count(record.path) == 0) {
             m_now.insert(record.path, record);
+            m_gone.insert(record.path);
             m_summary.addGone();
         }
     }
@@ -444,4 +485,18 @@ bool ArchiveRun::finishReport()
     return ArchiveReport::replace(m_settings.report, m_now) &&
            (QFile::remove(m_settings.pendingReport()) ||
             !QFile::exists(m_settings.pendingReport()));
+}
+
+bool ArchiveRun::writePage() const
+{
+    ArchivePageContent content;
+    content.source = m_settings.source;
+    content.target = m_settings.target;
+    content.version = QStringLiteral(ARCHIVE_VERSION);
+    content.summary = m_summary.text();
+    content.ended = QDateTime::currentDateTime();
+    content.isTrial = m_commandLine.isTrial;
+    content.records = m_now;
+    content.gone = m_gone;
+    return ArchivePage::replace(m_commandLine.page, content);
 }

@@ -6,6 +6,8 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveSummary.h"
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveTree.h"
 
+#include <QSet>
+
 #include <vector>
 
 class ArchiveProgress;
@@ -29,6 +31,8 @@ private:
     bool endFormerRun() const;
     ArchiveStatus runWithFolder(const QString& folder);
     QString objectionToReport() const;
+    QString objectionToPage() const;
+    bool mayWritePage() const;
     bool plan();
     DocumentRecord recordOf(const ArchiveEntry& entry) const;
     void planDocument(const ArchiveEntry& entry);
@@ -44,6 +48,7 @@ private:
     void take(const DocumentRecord& record);
     bool reportOwnRecords();
     bool finishReport();
+    bool writePage() const;
 
     const ArchiveCommandLine m_commandLine;
     const QString m_worker;
@@ -55,5 +60,6 @@ private:
     ArchiveReport::Records m_now; // what this run tells
     std::vector<PlannedDocument> m_documents;
     std::vector<DocumentRecord> m_ownRecords; // of what no worker has to look at
+    QSet<QString> m_gone;                     // by path, documents that are there no more
     ArchiveSummary m_summary;
 };
