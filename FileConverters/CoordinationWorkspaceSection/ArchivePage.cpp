@@ -87,7 +87,7 @@ bool ArchivePage::write(const ArchivePageContent& content, QIODevice& device)
     page.addChart();
     page.addControls();
     page.addDocuments();
-    page.m_html += "</main>\n<script>" + resource("page.js") + "</script>\n</body>\n</html>\n";
+    page.m_html += "</main>\n</body>\n</html>\n";
     page.flush();
     return page.m_isGood;
 }
@@ -114,18 +114,19 @@ void ArchivePage::countAll()
 void ArchivePage::addHead()
 {
     const QByteArray style = resource("page.css");
+    const QByteArray script = resource("page.js");
     const QByteArray name = HtmlText::escaped(QFileInfo(m_content.source).fileName());
     m_html += BEGIN + HtmlText::escaped(m_content.version) +
               "\" />\n<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none';"
               " style-src " +
-              hashSource(style) + "; script-src " + hashSource(resource("page.js")) +
+              hashSource(style) + "; script-src " + hashSource(script) +
               "; base-uri 'none'; form-action 'none'; require-trusted-types-for 'script'\" />\n"
               "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\" />\n"
               "<meta name=\"color-scheme\" content=\"light dark\" />\n"
               "<meta name=\"referrer\" content=\"no-referrer\" />\n"
               "<title>Archive report: " +
-              name + "</title>\n<style>" + style +
-              "</style>\n</head>\n<body>\n<header>\n<h1>Archive report: <bdi>" + name +
+              name + "</title>\n<style>" + style + "</style>\n<script>" + script +
+              "</script>\n</head>\n<body>\n<header>\n<h1>Archive report: <bdi>" + name +
               "</bdi></h1>\n";
     if (m_content.isTrial) {
         m_html += "<p class=\"notice\">This was a dry run: nothing was converted. The page tells"
@@ -186,7 +187,7 @@ void ArchivePage::addControls()
     m_html += "</fieldset>\n<p><label>With the text <input type=\"search\" id=\"find\""
               " autocomplete=\"off\" spellcheck=\"false\" /></label>\n"
               "<button type=\"button\" id=\"reset\">Show all</button></p>\n</div>\n"
-              "<p id=\"shown\" role=\"status\" aria-live=\"polite\">" +
+              "<p id=\"status\" role=\"status\" aria-live=\"polite\" tabindex=\"-1\">" +
               ArchivePageRow::number(m_content.records.size()) + " of " +
               ArchivePageRow::number(m_content.records.size()) + " files shown</p>\n";
 }
@@ -208,7 +209,9 @@ void ArchivePage::addDocuments()
             flush();
         }
     }
-    m_html += "</table>\n";
+    m_html +=
+        "</table>\n<p><button type=\"button\" id=\"more\" hidden=\"hidden\">Show more</button>"
+        "</p>\n";
 }
 
 void ArchivePage::flush()

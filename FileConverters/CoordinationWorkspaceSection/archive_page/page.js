@@ -1,15 +1,57 @@
 // Sorts and filters the table of files. Nothing here makes markup of text.
 "use strict";
-{
+
+// Rows at a time: a browser lays out a hundred thousand in a minute, and a thousand at once.
+const ROWS = 1000;
+
+// Set before the first row is read: rows show when they are chosen. Without script all of them do.
+document.documentElement.classList.add("scripted");
+
+addEventListener("DOMContentLoaded", () => {
     const table = document.getElementById("documents");
+    const headers = Array.from(table.tHead.rows[0].cells);
     const boxes = Array.from(document.querySelectorAll("#controls input[type=checkbox]"));
     const find = document.getElementById("find");
-    const shown = document.getElementById("shown");
+    const status = document.getElementById("status");
+    const more = document.getElementById("more");
     const outcomes = boxes.map((box) => box.value);
     const words = new Intl.Collator("en", { numeric: true });
 
     // Each file is a body of the table: its row, and below it what its spacings become.
-    const entries = Array.from(table.tBodies, (body) => ({ body, text: null }));
+    const entries = Array.from(table.tBodies, (body) => ({ body, text: null, key: null }));
+    let limit = ROWS;
+
+    const grouped = (number) => String(number).replace(/\B(?=(\d{3})+$)/g, "\u202f");
+
+    const isChosen = (entry, wanted, text) => {
+        if (!wanted.has(entry.body.dataset.outcome)) {
+            return false;
+        }
+        if (text !== "" && entry.text === null) {
+            entry.text = entry.body.textContent.toLowerCase();
+        }
+        return text === "" || entry.text.includes(text);
+    };
+
+    const show = () => {
+        const wanted = new Set(boxes.filter((box) => box.checked).map((box) => box.value));
+        const text = find.value.trim().toLowerCase();
+        let chosen = 0;
+        for (const entry of entries) {
+            const isOne = isChosen(entry, wanted, text);
+            entry.body.classList.toggle("shown", isOne && chosen < limit);
+            chosen += isOne ? 1 : 0;
+        }
+        const shown = Math.min(chosen, limit);
+        more.hidden = shown === chosen;
+        status.textContent = `${grouped(shown)} of ${grouped(entries.length)} files shown` +
+            (shown < chosen ? `, ${grouped(chosen - shown)} more match` : "");
+    };
+
+    const showAnew = () => {
+        limit = ROWS;
+        show();
+    };
 
     // What a file is sorted by; null, for what is not there, comes last in either direction.
     const keys = {
@@ -22,8 +64,12 @@
         },
     };
 
-    const compare = (one, other) =>
-        typeof one === "string" ? words.compare(one, other) : one - other;
+    const compare = (one, other, sign) => {
+        if (one === null || other === null) {
+            return (one === null) - (other === null);
+        }
+        return sign * (typeof one === "string" ? words.compare(one, other) : one - other);
+    };
 
     const sort = (header, column) => {
         const isAscending = header.getAttribute("aria-sort") !== "ascending";
@@ -31,39 +77,15 @@
         for (const entry of entries) {
             entry.key = keys[header.dataset.sort](entry.body.rows[0].cells[column]);
         }
-        entries.sort((one, other) => {
-            if (one.key === null || other.key === null) {
-                return (one.key === null) - (other.key === null);
-            }
-            return sign * compare(one.key, other.key);
-        });
+        entries.sort((one, other) => compare(one.key, other.key, sign));
         const sorted = document.createDocumentFragment();
         for (const entry of entries) {
             sorted.append(entry.body);
         }
+        showAnew();
         table.append(sorted);
-        for (const each of table.tHead.rows[0].cells) {
-            each.removeAttribute("aria-sort");
-        }
+        headers.forEach((each) => each.removeAttribute("aria-sort"));
         header.setAttribute("aria-sort", isAscending ? "ascending" : "descending");
-    };
-
-    const grouped = (number) => String(number).replace(/\B(?=(\d{3})+$)/g, "\u202f");
-
-    const filter = () => {
-        const wanted = new Set(boxes.filter((box) => box.checked).map((box) => box.value));
-        const text = find.value.trim().toLowerCase();
-        let count = 0;
-        for (const entry of entries) {
-            if (text !== "" && entry.text === null) {
-                entry.text = entry.body.textContent.toLowerCase();
-            }
-            const isShown = wanted.has(entry.body.dataset.outcome) &&
-                (text === "" || entry.text.includes(text));
-            entry.body.hidden = !isShown;
-            count += isShown ? 1 : 0;
-        }
-        shown.textContent = `${grouped(count)} of ${grouped(entries.length)} files shown`;
     };
 
     const addButton = (header, column) => {
@@ -74,39 +96,48 @@
         header.append(button);
     };
 
+    headers.forEach(addButton);
+    boxes.forEach((box) => box.addEventListener("change", showAnew));
+
     // While somebody types, the page waits for the end of the word.
     let timer = 0;
     find.addEventListener("input", () => {
         clearTimeout(timer);
-        timer = setTimeout(filter, 150);
+        timer = setTimeout(showAnew, 150);
     });
-    for (const box of boxes) {
-        box.addEventListener("change", filter);
-    }
+
     document.getElementById("reset").addEventListener("click", () => {
         find.value = "";
-        for (const box of boxes) {
-            box.checked = true;
-        }
-        filter();
+        boxes.forEach((box) => { box.checked = true; });
+        showAnew();
     });
 
-    // Browsers that do not print what is folded.
-    let unfolded = [];
+    more.addEventListener("click", () => {
+        limit += ROWS;
+        show();
+        if (more.hidden) {
+            // Whoever works from the keyboard must not fall out of the page.
+            status.focus();
+        }
+    });
+
+    // On paper all that is chosen stands, and unfolded also where the style cannot do that.
+    let afterPrint = () => {};
     addEventListener("beforeprint", () => {
-        unfolded = Array.from(table.querySelectorAll("details:not([open])"));
-        for (const each of unfolded) {
-            each.open = true;
-        }
+        const before = limit;
+        limit = Infinity;
+        show();
+        const folded = Array.from(table.querySelectorAll(".shown details:not([open])"));
+        folded.forEach((details) => { details.open = true; });
+        afterPrint = () => {
+            folded.forEach((details) => { details.open = false; });
+            limit = before;
+            show();
+        };
     });
-    addEventListener("afterprint", () => {
-        for (const each of unfolded) {
-            each.open = false;
-        }
-    });
+    addEventListener("afterprint", () => afterPrint());
 
-    Array.from(table.tHead.rows[0].cells).forEach(addButton);
     document.getElementById("controls").hidden = false;
     // A browser may have kept what was asked for before the page was loaded again.
-    filter();
-}
+    show();
+});

@@ -197,7 +197,7 @@ void ArchivePageTest::itCountsEachOutcome()
                           "failed112.5 % 12.5", "no document112.5 % 12.5", "gone112.5 % 12.5"}));
     QCOMPARE(textsOf(elements(tree, "dd")).mid(4),
              QStringList({"1\u202f235\u202f567", "900", "7", "2", "1"}));
-    QCOMPARE(withId(tree, "shown").text(), QStringLiteral("8 of 8 files shown"));
+    QCOMPARE(withId(tree, "status").text(), QStringLiteral("8 of 8 files shown"));
 }
 
 void ArchivePageTest::filesComeByPath()
@@ -407,7 +407,7 @@ void ArchivePageTest::anEmptyArchiveHasAPage()
 {
     const QDomElement tree = treeOf(pageOf(contentOf({})));
     QVERIFY(filesOf(tree).isEmpty());
-    QCOMPARE(withId(tree, "shown").text(), QStringLiteral("0 of 0 files shown"));
+    QCOMPARE(withId(tree, "status").text(), QStringLiteral("0 of 0 files shown"));
 }
 
 void ArchivePageTest::aDryRunIsCalledOne()
