@@ -1,9 +1,11 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveCommandLine.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveTree.h"
+#include "FileConverters/CoordinationWorkspaceSection/MachinesRound.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
+#include <QFileInfo>
 
 namespace {
 
@@ -21,6 +23,7 @@ in SOURCE.
   --timeout=S      seconds for each document, or none; by default 10 and 1 for each MB of it
   --memory=MB      memory for each document, or none; by default 256 MB and 64 times its size
   --jobs=N         documents at the same time; by default one more than cores
+  --machines=FILE  convert on the machines of this file as well, over ssh; a line is [JOBS/]MACHINE
   --report=FILE    by default TARGET/.coordworkspace/report.jsonl
   --html=FILE      write the report as a page for the browser as well
   --json-schema    print the JSON Schema of a report's lines
@@ -100,6 +103,7 @@ QString ArchiveCommandLine::parse(const QStringList& arguments)
     parser.addOption(option("jobs", "N"));
     parser.addOption(option("report", "FILE"));
     parser.addOption(option("html", "FILE"));
+    parser.addOption(option("machines", "FILE"));
     // The parser takes the first for the program's name.
     if (!parser.parse(QStringList(QString()) + arguments)) {
         return parser.errorText();
@@ -121,6 +125,12 @@ QString ArchiveCommandLine::parse(const QStringList& arguments)
     }
     if (!parseJobs(parser, jobs)) {
         return QStringLiteral("--jobs is a number from 1 to %1").arg(MOST_JOBS);
+    }
+    if (parser.isSet(QStringLiteral("machines"))) {
+        machines = QFileInfo(parser.value(QStringLiteral("machines"))).absoluteFilePath();
+        if (MachinesRound::countMachines(machines) == 0) {
+            return QStringLiteral("--machines is a file that names machines, one a line");
+        }
     }
     const QStringList folders = parser.positionalArguments();
     if (folders.size() != 2 || folders.contains(QString())) {

@@ -1,6 +1,8 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchivePlan.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -32,6 +34,13 @@ QJsonObject readObject(QFile& file)
     return QJsonDocument::fromJson(file.readLine()).object();
 }
 
+void resolve(QString& path, const QDir& folder)
+{
+    if (!path.isEmpty()) {
+        path = folder.absoluteFilePath(path);
+    }
+}
+
 } // namespace
 
 std::vector<PlannedJob> ArchivePlan::write(const QString& file, const ArchiveSettings& settings,
@@ -61,6 +70,11 @@ std::vector<PlannedDocument> ArchivePlan::read(const QString& file, const Planne
         return {};
     }
     settings = ArchiveSettings::fromJson(readObject(plan));
+    const QDir folder = QFileInfo(file).absoluteDir();
+    for (QString* const path :
+         {&settings.source, &settings.target, &settings.report, &settings.staging}) {
+        resolve(*path, folder);
+    }
     std::vector<PlannedDocument> documents;
     if (plan.seek(job.offset)) {
         for (int i = 0; i < job.count; ++i) {

@@ -39,7 +39,12 @@ inline const QByteArray PROBLEM = QByteArrayLiteral("problem: ");
 std::vector<PlannedJob> write(const QString& file, const ArchiveSettings& settings,
                               const std::vector<std::vector<PlannedDocument>>& jobs);
 
-/** Reads one job. @return its documents; empty when the file cannot be read. */
+/**
+ * Reads one job. What the settings tell of places is told from the plan's folder, unless it is
+ * absolute.
+ *
+ * @return its documents; empty when the file cannot be read.
+ */
 std::vector<PlannedDocument> read(const QString& file, const PlannedJob& job,
                                   ArchiveSettings& settings);
 

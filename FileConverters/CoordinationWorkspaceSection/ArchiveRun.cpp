@@ -2,7 +2,9 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveLock.h"
 #include "FileConverters/CoordinationWorkspaceSection/ArchivePage.h"
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveParcels.h"
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveProgress.h"
+#include "FileConverters/CoordinationWorkspaceSection/MachinesRound.h"
 #include "FileConverters/CoordinationWorkspaceSection/ParallelProcess.h"
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
 #include "FileConverters/CoordinationWorkspaceSection/StableStorage.h"
@@ -31,7 +33,10 @@
 namespace {
 
 const QString PLAN_BEGIN = QStringLiteral("plan-");
+const QString PARCELS_BEGIN = QStringLiteral("parcels-");
 const QString PARALLEL_FOLDER = QStringLiteral("/parallel");
+// As long as the machines get on: one that was away may be there again.
+constexpr int MOST_ROUNDS_OF_MACHINES = 3;
 constexpr int WAIT_MS = 100;
 constexpr int PARALLEL_FAILED = 255; // apart from jobs that failed
 
@@ -61,6 +66,16 @@ qint64 bytesOf(const std::vector<Entry>& entries)
 {
     return std::accumulate(entries.begin(), entries.end(), qint64(0),
                            [](qint64 bytes, const Entry& entry) { return bytes + entry.size; });
+}
+
+QString newName(const QString& begin)
+{
+    return begin + QUuid::createUuid().toString(QUuid::WithoutBraces);
+}
+
+bool isMissing(const char* program)
+{
+    return QStandardPaths::findExecutable(QLatin1String(program)).isEmpty();
 }
 
 bool isTerminal()
@@ -146,8 +161,13 @@ bool ArchiveRun::mayWritePage() const
 
 ArchiveStatus ArchiveRun::run()
 {
-    if (QStandardPaths::findExecutable(QStringLiteral("parallel")).isEmpty()) {
+    if (isMissing("parallel")) {
         say(QStringLiteral("GNU Parallel is missing; its package is \"parallel\""));
+        return ARCHIVE_UNAVAILABLE;
+    }
+    if (!m_commandLine.machines.isEmpty() && (isMissing("ssh") || isMissing("rsync"))) {
+        say(QStringLiteral("other machines are reached by ssh and rsync, of which one is missing;"
+                           " their packages are \"openssh-client\" and \"rsync\""));
         return ARCHIVE_UNAVAILABLE;
     }
     if (!mayWritePage()) {
@@ -194,6 +214,10 @@ bool ArchiveRun::endFormerRun() const
     for (const QString& plan : folder.entryList({PLAN_BEGIN + QLatin1Char('*')}, QDir::Files)) {
         QFile::remove(folder.filePath(plan));
     }
+    for (const QString& parcels :
+         folder.entryList({PARCELS_BEGIN + QLatin1Char('*')}, QDir::Dirs)) {
+        ArchiveParcels::remove(folder.filePath(parcels));
+    }
     QDir(m_settings.folder() + PARALLEL_FOLDER).removeRecursively();
     return true;
 }
@@ -210,8 +234,8 @@ ArchiveStatus ArchiveRun::runWithFolder(const QString& folder)
     if (!reportOwnRecords()) {
         return sayCannotWrite(m_settings.report);
     }
-    m_planFile =
-        folder + QLatin1Char('/') + PLAN_BEGIN + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    m_folder = folder + QLatin1Char('/');
+    m_planFile = newName(m_folder + PLAN_BEGIN);
     m_parallelFolder = folder + PARALLEL_FOLDER;
     const ArchiveStatus status = convertAll();
     if (status != ARCHIVE_DONE) {
@@ -343,8 +367,14 @@ ArchiveStatus ArchiveRun::convertAll()
         m_commandLine.jobs > 0 ? m_commandLine.jobs : QThread::idealThreadCount() + 1;
     ArchiveProgress progress(QStringLiteral("documents"), static_cast<int>(m_documents.size()),
                              bytesOf(m_documents), isTerminal());
+    if (!m_commandLine.machines.isEmpty()) {
+        const ArchiveStatus status = convertOnMachines(progress);
+        if (status != ARCHIVE_DONE) {
+            return status;
+        }
+    }
     for (const ArchiveSchedule::Round& round : ArchiveSchedule::roundsOf(
-             m_documents, atTheSameTime, ArchiveSchedule::availableMemory())) {
+             untoldDocuments(), atTheSameTime, ArchiveSchedule::availableMemory())) {
         const ArchiveStatus status = convertRound(round, progress);
         if (status != ARCHIVE_DONE) {
             return status;
@@ -358,6 +388,79 @@ ArchiveStatus ArchiveRun::convertAll()
         convertRound(ArchiveSchedule::oneByOne(untoldDocuments()), progress);
     progress.clear();
     return status;
+}
+
+ArchiveStatus ArchiveRun::convertOnMachines(ArchiveProgress& progress)
+{
+    QSet<QString> forHere;
+    std::vector<PlannedDocument> documents = documentsForMachines(forHere);
+    for (int round = 0; round < MOST_ROUNDS_OF_MACHINES && !documents.empty(); ++round) {
+        MachinesRound machines(m_settings, m_worker, newName(m_folder + PARCELS_BEGIN));
+        if (!machines.start(documents, m_commandLine.machines, m_commandLine.jobs)) {
+            progress.clear();
+            return sayCannotWrite(m_settings.folder());
+        }
+        const auto toldBefore = m_now.size();
+        const ArchiveStatus status = follow(machines, progress);
+        if (status != ARCHIVE_DONE) {
+            return status;
+        }
+        forHere += machines.forHere();
+        documents = documentsForMachines(forHere);
+        if (m_now.size() == toldBefore) {
+            break;
+        }
+    }
+    if (!documents.empty()) {
+        progress.clear();
+        say(QStringLiteral("%1 documents came back from no machine; they are converted here")
+                .arg(documents.size()));
+    }
+    return ARCHIVE_DONE;
+}
+
+std::vector<PlannedDocument> ArchiveRun::documentsForMachines(const QSet<QString>& forHere) const
+{
+    std::vector<PlannedDocument> documents = untoldDocuments();
+    const auto staysHere = [&forHere](const PlannedDocument& document) {
+        return ArchiveSchedule::isForHere(document) || forHere.contains(document.path);
+    };
+    documents.erase(std::remove_if(documents.begin(), documents.end(), staysHere), documents.end());
+    return documents;
+}
+
+// Until the machines have told all that they will, or the run cannot go on.
+ArchiveStatus ArchiveRun::follow(MachinesRound& machines, ArchiveProgress& progress)
+{
+    do {
+        const auto records = machines.next(WAIT_MS);
+        if (!records) {
+            progress.clear();
+            return sayCannotWrite(m_settings.report);
+        }
+        take(*records, progress);
+        for (const QString& complaint : machines.takeComplaints()) {
+            progress.clear();
+            say(complaint);
+        }
+        if (StopSignals::isStopping()) {
+            progress.clear();
+            return sayStopped();
+        }
+        progress.show();
+    } while (!machines.isOver());
+    return ARCHIVE_DONE;
+}
+
+void ArchiveRun::take(const std::vector<DocumentRecord>& records, ArchiveProgress& progress)
+{
+    for (const DocumentRecord& record : records) {
+        if (m_commandLine.isTrial) {
+            progress.clear(); // the record is printed
+        }
+        take(record);
+        progress.advance(record.source ? record.source->size : 0);
+    }
 }
 
 std::vector<PlannedDocument> ArchiveRun::untoldDocuments() const
@@ -405,8 +508,8 @@ ArchiveStatus ArchiveRun::convertRound(const ArchiveSchedule::Round& round,
     if (!QDir().mkpath(m_parallelFolder)) {
         return sayCannotWrite(m_parallelFolder);
     }
-    ParallelProcess parallel(m_worker, m_planFile, m_parallelFolder);
-    if (!parallel.startJobs(planned, round.jobsAtATime)) {
+    ParallelProcess parallel(m_worker, m_parallelFolder);
+    if (!parallel.startJobs(m_planFile, planned, round.jobsAtATime)) {
         say(QStringLiteral("GNU Parallel cannot be started"));
         return ARCHIVE_UNAVAILABLE;
     }
@@ -456,11 +559,7 @@ void ArchiveRun::readRecords(ParallelProcess& parallel, ArchiveProgress& progres
     while (parallel.canReadLine()) {
         const QByteArray line = parallel.readLine();
         if (const auto record = DocumentRecord::fromLine(line)) {
-            if (m_commandLine.isTrial) {
-                progress.clear(); // the record is printed
-            }
-            take(*record);
-            progress.advance(record->source ? record->source->size : 0);
+            take({*record}, progress);
         } else if (line.startsWith(ArchivePlan::PROBLEM)) {
             m_problem = QString::fromUtf8(line.mid(ArchivePlan::PROBLEM.size()).trimmed());
         }

@@ -11,6 +11,7 @@
 #include <vector>
 
 class ArchiveProgress;
+class MachinesRound;
 class ParallelProcess;
 
 /** One run of coordworkspace-convert-archive, from the folders to the summary. */
@@ -40,6 +41,10 @@ private:
     void countGone(const std::vector<ArchiveEntry>& entries);
     void tellWhatStandsInTheWay() const;
     ArchiveStatus convertAll();
+    ArchiveStatus convertOnMachines(ArchiveProgress& progress);
+    std::vector<PlannedDocument> documentsForMachines(const QSet<QString>& forHere) const;
+    ArchiveStatus follow(MachinesRound& machines, ArchiveProgress& progress);
+    void take(const std::vector<DocumentRecord>& records, ArchiveProgress& progress);
     std::vector<PlannedDocument> untoldDocuments() const;
     bool takeWhatIsDoneUntold();
     ArchiveStatus convertRound(const ArchiveSchedule::Round& round, ArchiveProgress& progress);
@@ -53,6 +58,7 @@ private:
     const ArchiveCommandLine m_commandLine;
     const QString m_worker;
     ArchiveSettings m_settings;
+    QString m_folder; // for what the run needs meanwhile
     QString m_planFile;
     QString m_parallelFolder;
     QString m_problem;            // that a worker has told, and that ends the run

@@ -29,6 +29,12 @@ std::vector<Round> roundsOf(const std::vector<PlannedDocument>& documents, int m
 /** One document after the other, each in a job of its own. */
 Round oneByOne(const std::vector<PlannedDocument>& documents);
 
+/** Whether a document is so large that it is better converted here than copied to and fro. */
+bool isForHere(const PlannedDocument& document);
+
+/** Spreads documents over jobs for so many other machines. None of them is for here. */
+std::vector<Job> parcelsOf(const std::vector<PlannedDocument>& documents, int machines);
+
 /** In bytes, what the machine could give to processes now; 0 when it does not tell. */
 qint64 availableMemory();
 

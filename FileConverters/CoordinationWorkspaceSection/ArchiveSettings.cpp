@@ -40,6 +40,7 @@ QJsonObject ArchiveSettings::toJson() const
             {"report", report},
             {"converter", converter},
             {"staging", staging},
+            {"version", version},
             {"milliseconds", valueOf(milliseconds)},
             {"memoryBytes", valueOf(memoryBytes)},
             {"onlyClean", onlyClean},
@@ -54,6 +55,7 @@ ArchiveSettings ArchiveSettings::fromJson(const QJsonObject& object)
     settings.report = object["report"].toString();
     settings.converter = object["converter"].toString();
     settings.staging = object["staging"].toString();
+    settings.version = object["version"].toString();
     settings.milliseconds = numberFrom(object["milliseconds"]);
     settings.memoryBytes = numberFrom(object["memoryBytes"]);
     settings.onlyClean = object["onlyClean"].toBool();

@@ -8,6 +8,7 @@
 #include <QSet>
 
 #include <list>
+#include <utility>
 
 namespace {
 
@@ -44,6 +45,23 @@ void commitAll(Jobs& jobs, const QString& target)
     }
 }
 
+// None, with errno set, when it could not be reported.
+std::optional<std::vector<DocumentRecord>> finish(const ArchiveSettings& settings, Jobs& jobs)
+{
+    if (settings.isTrial()) {
+        return recordsOf(jobs, false);
+    }
+    const std::vector<DocumentRecord> pending = recordsOf(jobs, true);
+    if (!pending.empty() && !ArchiveReport::append(settings.pendingReport(), pending)) {
+        return std::nullopt;
+    }
+    commitAll(jobs, settings.target);
+    std::vector<DocumentRecord> records = recordsOf(jobs, false);
+    return records.empty() || ArchiveReport::append(settings.report, records)
+               ? std::optional(std::move(records))
+               : std::nullopt;
+}
+
 } // namespace
 
 std::vector<DocumentRecord> convertBatch(const ArchiveSettings& settings,
@@ -55,15 +73,19 @@ std::vector<DocumentRecord> convertBatch(const ArchiveSettings& settings,
         jobs.emplace_back(settings, document, reader);
         jobs.back().run();
     }
-    if (settings.isTrial()) {
-        return recordsOf(jobs, false);
+    return finish(settings, jobs).value_or(std::vector<DocumentRecord>());
+}
+
+std::optional<std::vector<DocumentRecord>>
+acceptBatch(const ArchiveSettings& settings, const std::vector<ReturnedDocument>& documents)
+{
+    BoundedServer reader(DocumentJob::answerOfReader); // is asked nothing, and makes no process
+    Jobs jobs;
+    for (const ReturnedDocument& returned : documents) {
+        jobs.emplace_back(settings, returned.document, reader);
+        if (!jobs.back().accept(returned.told, returned.output)) {
+            jobs.pop_back();
+        }
     }
-    const std::vector<DocumentRecord> pending = recordsOf(jobs, true);
-    if (!pending.empty() && !ArchiveReport::append(settings.pendingReport(), pending)) {
-        return {};
-    }
-    commitAll(jobs, settings.target);
-    const std::vector<DocumentRecord> records = recordsOf(jobs, false);
-    return ArchiveReport::append(settings.report, records) ? records
-                                                           : std::vector<DocumentRecord>();
+    return finish(settings, jobs);
 }

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -146,6 +147,19 @@ QByteArray findDifference(const QString& before, const QString& after)
         .toUtf8();
 }
 
+bool copyBytes(const QString& from, const QString& to)
+{
+    QFile source(from);
+    QFile copy(to);
+    if (!source.open(QIODevice::ReadOnly) || !copy.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    for (QByteArray chunk = source.read(CHUNK); !chunk.isEmpty(); chunk = source.read(CHUNK)) {
+        copy.write(chunk);
+    }
+    return true;
+}
+
 bool isLeftAlone(DocumentRecord::Outcome outcome)
 {
     return outcome != DocumentRecord::CONVERTED && outcome != DocumentRecord::LOSSY &&
@@ -247,6 +261,16 @@ bool DocumentJob::inspect()
 
 bool DocumentJob::write()
 {
+    if (!beginOutput()) {
+        return false;
+    }
+    const bool isWritten =
+        m_record.outcome == DocumentRecord::CURRENT ? copyInto(*m_output) : convertInto(*m_output);
+    return isWritten && isUnchanged() && finishOutput();
+}
+
+bool DocumentJob::beginOutput()
+{
     const QFileInfo target(m_settings.targetOf(m_document.path));
     const QString folder = m_settings.isTrial() ? m_settings.staging : target.absolutePath();
     if (StableStorage::makeFolders(folder)) {
@@ -254,13 +278,12 @@ bool DocumentJob::write()
     }
     if (!m_output) {
         failToWrite();
-        return false;
     }
-    const bool isWritten =
-        m_record.outcome == DocumentRecord::CURRENT ? copyInto(*m_output) : convertInto(*m_output);
-    if (!isWritten || !isUnchanged()) {
-        return false;
-    }
+    return m_output != nullptr;
+}
+
+bool DocumentJob::finishOutput()
+{
     m_record.target = FileIdentity::of(m_output->partPath());
     if (!m_record.target || !m_output->finishLike(m_source)) {
         failToWrite();
@@ -272,16 +295,10 @@ bool DocumentJob::write()
 
 bool DocumentJob::copyInto(const AtomicFile& output)
 {
-    QFile source(m_source);
-    QFile copy(output.partPath());
-    if (!source.open(QIODevice::ReadOnly) || !copy.open(QIODevice::WriteOnly)) {
+    if (!copyBytes(m_source, output.partPath())) {
         failToWrite();
         return false;
     }
-    for (QByteArray chunk = source.read(CHUNK); !chunk.isEmpty(); chunk = source.read(CHUNK)) {
-        copy.write(chunk);
-    }
-    copy.close();
     if (FileIdentity::of(output.partPath()) != m_record.source) {
         return end(DocumentRecord::FAILED, "not-written", QStringLiteral("the copy is not whole"));
     }
@@ -324,6 +341,36 @@ bool DocumentJob::verify(const AtomicFile& output)
     }
     m_record.isVerified = true;
     return true;
+}
+
+bool DocumentJob::accept(const DocumentRecord& told, const QString& output)
+{
+    stat(QFile::encodeName(m_source).constData(), &m_sourceBefore);
+    if (!told.source || FileIdentity::of(m_source) != told.source) {
+        return false;
+    }
+    m_record = told;
+    m_record.path = m_document.path;
+    m_record.earlier = told.target ? std::nullopt : m_document.earlier;
+    if (!told.target || m_settings.isTrial()) {
+        return true;
+    }
+    const bool isTaken = !output.isEmpty() && beginOutput() && moveInto(*m_output, output) &&
+                         isUnchanged() && finishOutput();
+    const bool isWhatWasTold = isTaken && m_record.target == told.target;
+    if (!isWhatWasTold) {
+        m_output.reset();
+    }
+    return isWhatWasTold;
+}
+
+bool DocumentJob::moveInto(const AtomicFile& output, const QString& file)
+{
+    const QByteArray from = QFile::encodeName(file);
+    const QByteArray to = QFile::encodeName(output.partPath());
+    // A folder of the target may be another file system.
+    return std::rename(from.constData(), to.constData()) == 0 ||
+           (errno == EXDEV && copyBytes(file, output.partPath()));
 }
 
 // Hash, inspection and conversion have each read the document: they must have read the same.

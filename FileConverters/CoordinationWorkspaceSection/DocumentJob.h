@@ -30,6 +30,16 @@ public:
     /** Does all the work but the last step, which is to give the output its name. */
     void run();
 
+    /**
+     * Takes over what another machine has done, instead of running.
+     *
+     * @param told    what it tells of the document.
+     * @param output  the file that came back, which is gone then; empty when there is none.
+     * @return whether the document and the output are what was told. Otherwise nothing is known of
+     * the document, and it still is to be converted.
+     */
+    bool accept(const DocumentRecord& told, const QString& output);
+
     /** Gives the output its name, where there is one. Its folder still has to be synced. */
     void commit();
 
@@ -46,6 +56,9 @@ private:
     bool inspect();
     std::optional<QByteArray> askReader(const QByteArray& request);
     bool write();
+    bool beginOutput();
+    bool finishOutput();
+    bool moveInto(const AtomicFile& output, const QString& file);
     bool convertInto(const AtomicFile& output);
     bool copyInto(const AtomicFile& output);
     bool verify(const AtomicFile& output);

@@ -3,11 +3,13 @@
 // usage: coordworkspace-archive-worker PLAN OFFSET COUNT
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveLock.h"
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveParcels.h"
 #include "FileConverters/CoordinationWorkspaceSection/ArchivePlan.h"
 #include "FileConverters/CoordinationWorkspaceSection/DocumentBatch.h"
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstring>
@@ -45,6 +47,15 @@ int main(int argc, char** argv)
     const std::vector<PlannedDocument> documents = ArchivePlan::read(plan, job, settings);
     if (documents.empty()) {
         return fail("the plan cannot be read");
+    }
+    const QString objection = ArchiveParcels::objection(settings);
+    if (!objection.isEmpty()) {
+        return fail(objection.toStdString());
+    }
+    if (settings.converter.isEmpty()) {
+        settings.converter = QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath() +
+                             QStringLiteral("/CoordWorkSpaceSectionConverter0_3");
+        ArchiveParcels::sweepBeside(plan);
     }
     std::optional<ArchiveLock> lock;
     if (!settings.isTrial()) {

@@ -41,6 +41,7 @@ class Archive:
         self.source.mkdir()
         self.program = program
         self.options = list(options)
+        self.environment = None
 
     def add(self, path, document):
         file = self.source / path
@@ -52,7 +53,8 @@ class Archive:
         return [self.program, *self.options, *options, str(self.source), str(self.target)]
 
     def run(self, *options, **more):
-        more = {"capture_output": True, "timeout": SECONDS_A_RUN, **more}
+        more = {"capture_output": True, "timeout": SECONDS_A_RUN,
+                "env": self.environment, **more}
         return subprocess.run(self.arguments(*options), stdin=subprocess.DEVNULL, **more)
 
     def lines(self):
