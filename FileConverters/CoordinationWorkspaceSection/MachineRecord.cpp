@@ -9,10 +9,14 @@ bool isOneOf(const QString& reason, const QStringList& reasons)
     return reasons.contains(reason);
 }
 
-bool mayBeWritten(const DocumentRecord& told, const PlannedDocument& document)
+// What is written loses something exactly when the outcome says so, and is verified when asked for.
+bool mayBeWritten(const DocumentRecord& told, const PlannedDocument& document,
+                  const ArchiveSettings& settings)
 {
+    const bool isLossy = told.outcome == DocumentRecord::LOSSY;
     const bool isCurrent = told.outcome == DocumentRecord::CURRENT;
-    return told.reason.isEmpty() && told.target && !document.isBlocked &&
+    return told.target && told.reason.isEmpty() && !document.isBlocked &&
+           told.losses.empty() != isLossy && told.isVerified == (settings.verifies && !isCurrent) &&
            (!isCurrent || told.target == told.source);
 }
 
@@ -43,14 +47,12 @@ bool mayBeLeftAlone(const DocumentRecord& told, const PlannedDocument& document,
 bool MachineRecord::isAnswer(const DocumentRecord& told, const PlannedDocument& document,
                              const ArchiveSettings& settings)
 {
-    const bool isLossy = told.outcome == DocumentRecord::LOSSY;
-    const bool isConverted = told.outcome == DocumentRecord::CONVERTED || isLossy;
-    const bool isWritten =
-        isLossy ? !settings.onlyClean : isConverted || told.outcome == DocumentRecord::CURRENT;
-    const bool isVerified = isWritten && isConverted && settings.verifies;
-    if (!told.source || told.isVerified != isVerified || told.losses.empty() == isLossy) {
+    const bool isWritten = told.outcome == DocumentRecord::CONVERTED ||
+                           told.outcome == DocumentRecord::CURRENT ||
+                           (told.outcome == DocumentRecord::LOSSY && !settings.onlyClean);
+    if (!told.source) {
         return false;
     }
-    return isWritten ? mayBeWritten(told, document)
-                     : !told.target && mayBeLeftAlone(told, document, settings);
+    return isWritten ? mayBeWritten(told, document, settings)
+                     : !told.target && !told.isVerified && mayBeLeftAlone(told, document, settings);
 }

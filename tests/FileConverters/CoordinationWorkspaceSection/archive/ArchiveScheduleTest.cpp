@@ -14,6 +14,9 @@ private slots:
     void documentsThatFillTheMemoryComeLater();
     void everyDocumentIsInOneJob();
     void oneByOneIsAJobADocument();
+    void howDocumentsAreSpreadOverMachines_data();
+    void howDocumentsAreSpreadOverMachines();
+    void largeDocumentsStayHere();
     void theMachineTellsItsMemory();
 
 private:
@@ -108,6 +111,33 @@ void ArchiveScheduleTest::oneByOneIsAJobADocument()
     QCOMPARE(round.jobsAtATime, 1);
     QCOMPARE(sizesOf(round), Sizes({1, 1, 1}));
     QVERIFY(ArchiveSchedule::oneByOne({}).jobs.empty());
+}
+
+void ArchiveScheduleTest::howDocumentsAreSpreadOverMachines_data()
+{
+    QTest::addColumn<int>("count");
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<int>("machines");
+    QTest::addColumn<Sizes>("sizes");
+    QTest::newRow("a few are worth one parcel") << 16 << qint64(10000) << 50 << Sizes{16};
+    // Of eight cores each, and four turns.
+    QTest::newRow("a share for each core and turn") << 6400 << qint64(1000) << 2 << Sizes(64, 100);
+    QTest::newRow("at most 1024 in a parcel") << 65536 << qint64(1000) << 1 << Sizes(64, 1024);
+    QTest::newRow("at most eight megabytes") << 320 << qint64(1000000) << 1 << Sizes(40, 8);
+}
+
+void ArchiveScheduleTest::howDocumentsAreSpreadOverMachines()
+{
+    QFETCH(int, count);
+    QFETCH(qint64, size);
+    QFETCH(int, machines);
+    QTEST(sizesOf({1, ArchiveSchedule::parcelsOf(documents(count, size), machines)}), "sizes");
+}
+
+void ArchiveScheduleTest::largeDocumentsStayHere()
+{
+    QVERIFY(!ArchiveSchedule::isForHere(documents(1, 8000000).front()));
+    QVERIFY(ArchiveSchedule::isForHere(documents(1, 8000001).front()));
 }
 
 void ArchiveScheduleTest::theMachineTellsItsMemory()

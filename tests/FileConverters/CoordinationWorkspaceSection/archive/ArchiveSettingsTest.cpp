@@ -56,6 +56,7 @@ void ArchiveSettingsTest::theyGoThroughJsonAndBack()
     settings.report = QStringLiteral("/report");
     settings.converter = QStringLiteral("/converter");
     settings.staging = QStringLiteral("/staging");
+    settings.version = QStringLiteral("1.2");
     settings.milliseconds = 1;
     settings.onlyClean = true;
     settings.verifies = true;
