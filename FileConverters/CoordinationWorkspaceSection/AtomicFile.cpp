@@ -28,15 +28,14 @@ mode_t userMask()
     return mask;
 }
 
-bool giveAndSync(const QByteArray& path, mode_t mode, const timespec& modified)
+template <class Action>
+bool withFile(const QString& path, const Action& action)
 {
-    const int descriptor = open(path.constData(), O_RDONLY | O_CLOEXEC);
+    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) {
         return false;
     }
-    const std::array<timespec, 2> times = {timespec{0, UTIME_OMIT}, modified};
-    const bool isDone = fchmod(descriptor, mode) == 0 && futimens(descriptor, times.data()) == 0 &&
-                        StableStorage::syncFile(descriptor);
+    const bool isDone = action(descriptor);
     const int error = errno;
     close(descriptor);
     errno = error;
@@ -104,13 +103,24 @@ bool AtomicFile::finishLike(const QString& original)
     if (stat(QFile::encodeName(original).constData(), &status) != 0) {
         return false;
     }
-    return giveAndSync(QFile::encodeName(m_partPath), status.st_mode & PERMISSIONS, status.st_mtim);
+    return withFile(m_partPath, [&status](int descriptor) {
+        const std::array<timespec, 2> times = {timespec{0, UTIME_OMIT}, status.st_mtim};
+        return fchmod(descriptor, status.st_mode & PERMISSIONS) == 0 &&
+               futimens(descriptor, times.data()) == 0;
+    });
+}
+
+bool AtomicFile::sync() const
+{
+    return withFile(m_partPath, StableStorage::syncFile);
 }
 
 bool AtomicFile::finish()
 {
-    return giveAndSync(QFile::encodeName(m_partPath), NEW_FILE_MODE & ~userMask(),
-                       timespec{0, UTIME_OMIT});
+    const mode_t mode = NEW_FILE_MODE & ~userMask();
+    return withFile(m_partPath, [mode](int descriptor) {
+        return fchmod(descriptor, mode) == 0 && StableStorage::syncFile(descriptor);
+    });
 }
 
 bool AtomicFile::commit(bool mayReplace)

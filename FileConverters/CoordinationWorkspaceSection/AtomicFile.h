@@ -37,8 +37,13 @@ public:
 
     const QString& folder() const { return m_folder; }
 
-    /** Gives it the permissions and the time of modification of another file, and syncs it. */
+    /**
+     * Gives it the permissions and the time of modification of another file. It still has to be
+     * synced.
+     */
     bool finishLike(const QString& original);
+
+    bool sync() const;
 
     /** Gives it the permissions that a new file has, and syncs it. */
     bool finish();

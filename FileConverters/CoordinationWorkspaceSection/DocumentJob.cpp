@@ -396,6 +396,14 @@ void DocumentJob::failToWrite()
     m_record.earlier = m_document.earlier;
 }
 
+void DocumentJob::sync()
+{
+    if (m_output && !m_output->sync()) {
+        failToWrite();
+        m_output.reset();
+    }
+}
+
 void DocumentJob::commit()
 {
     if (!m_output || m_output->commit(m_document.mayReplace)) {

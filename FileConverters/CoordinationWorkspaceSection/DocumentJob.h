@@ -27,7 +27,7 @@ public:
     /** What the reader of documents does with a request, in its own process. */
     static QByteArray answerOfReader(const QByteArray& request);
 
-    /** Does all the work but the last step, which is to give the output its name. */
+    /** Does all the work but the last steps, which are to sync the output and to name it. */
     void run();
 
     /**
@@ -39,6 +39,9 @@ public:
      * the document, and it still is to be converted.
      */
     bool accept(const DocumentRecord& told, const QString& output);
+
+    /** Syncs the output, where there is one. May be called beside others of other documents. */
+    void sync();
 
     /** Gives the output its name, where there is one. Its folder still has to be synced. */
     void commit();

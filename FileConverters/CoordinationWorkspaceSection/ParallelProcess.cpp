@@ -22,10 +22,10 @@ const QString SSH = QStringLiteral("ssh -o BatchMode=yes -o ConnectTimeout=10"
 // What links lead to; no links or devices come back; of others' eyes on a machine, none.
 const QString RSYNC_OPTIONS = QStringLiteral("-rLzR --chmod=D700,F600");
 // Parallel copies nothing to where it is itself, which a file of machines may name as well.
-const char* const PARCEL_COMMAND = "[ -e {1}/plan ] || cd \"$COORDWORKSPACE_PARCELS\" || exit;"
-                                   " worker=$COORDWORKSPACE_WORKER;"
-                                   " [ -x \"$worker\" ] || worker=coordworkspace-archive-worker;"
-                                   " exec \"$worker\" {1}/plan {2} {3}";
+const char* const PARCEL_COMMAND =
+    R"([ -e {1}/plan ] || cd "$COORDWORKSPACE_PARCELS" || exit; worker=$COORDWORKSPACE_WORKER;)"
+    R"( [ -x "$worker" ] || worker=coordworkspace-archive-worker; exec "$worker" {1}/plan {2} {3})";
+const char* const JOB_COMMAND = R"(exec "$COORDWORKSPACE_WORKER" "$COORDWORKSPACE_PLAN" {1} {2})";
 
 pid_t ourselves = 0;
 
@@ -70,8 +70,8 @@ bool ParallelProcess::startJobs(const QString& plan, const std::vector<PlannedJo
         lines += QByteArray::number(job.offset) + ' ' + QByteArray::number(job.count) + '\n';
     }
     m_environment.insert(QStringLiteral("COORDWORKSPACE_PLAN"), plan);
-    return startWith({QStringLiteral("--jobs"), QString::number(atTheSameTime)},
-                     "exec \"$COORDWORKSPACE_WORKER\" \"$COORDWORKSPACE_PLAN\" {1} {2}", lines);
+    return startWith({QStringLiteral("--jobs"), QString::number(atTheSameTime)}, JOB_COMMAND,
+                     lines);
 }
 
 bool ParallelProcess::startParcels(const QString& parcels, const std::vector<PlannedJob>& planned,
