@@ -31,7 +31,8 @@ function(zel_find_installed_libraries target folder)
 endfunction()
 
 # Installs a program that only PROGRAM runs where no user looks for commands. PROGRAM finds it from
-# its own folder by the path in its constant HELPER_PATH, installed and moved as in the build.
+# its own folder by the path in its constant HELPER_PATH, and it finds PROGRAM's folder by that in
+# PROGRAMS_PATH, installed and moved as in the build.
 function(zel_install_helper target program)
     set(folder "${CMAKE_INSTALL_LIBEXECDIR}/coordworkspace")
     set_property(GLOBAL APPEND PROPERTY ZEL_HELPERS "${folder}/${target}")
@@ -39,6 +40,8 @@ function(zel_install_helper target program)
     set_target_properties(${target} PROPERTIES
         RUNTIME_OUTPUT_DIRECTORY "$<TARGET_FILE_DIR:${program}>/${from_program}")
     target_compile_definitions(${program} PRIVATE HELPER_PATH="${from_program}/${target}")
+    file(RELATIVE_PATH to_program "/${folder}" "/${CMAKE_INSTALL_BINDIR}")
+    target_compile_definitions(${target} PRIVATE PROGRAMS_PATH="${to_program}")
     add_dependencies(${program} ${target})
     zel_find_installed_libraries(${target} "${folder}")
     if(ZEL_INSTALL)

@@ -22,9 +22,8 @@ const QString SSH = QStringLiteral("ssh -o BatchMode=yes -o ConnectTimeout=10"
 // What links lead to; no links or devices come back; of others' eyes on a machine, none.
 const QString RSYNC_OPTIONS = QStringLiteral("-rLzR --chmod=D700,F600");
 // Parallel copies nothing to where it is itself, which a file of machines may name as well.
-const char* const PARCEL_COMMAND =
-    R"([ -e {1}/plan ] || cd "$COORDWORKSPACE_PARCELS" || exit; worker=$COORDWORKSPACE_WORKER;)"
-    R"( [ -x "$worker" ] || worker=coordworkspace-archive-worker; exec "$worker" {1}/plan {2} {3})";
+const char* const PARCEL_COMMAND = R"([ -e {1}/plan ] || cd "$COORDWORKSPACE_PARCELS" || exit;)"
+                                   R"( exec "$COORDWORKSPACE_WORKER" {1}/plan {2} {3})";
 const char* const JOB_COMMAND = R"(exec "$COORDWORKSPACE_WORKER" "$COORDWORKSPACE_PLAN" {1} {2})";
 
 pid_t ourselves = 0;

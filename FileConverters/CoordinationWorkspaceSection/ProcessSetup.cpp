@@ -1,5 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QHash>
 #include <QTextCodec>
 #include <QtGlobal>
@@ -86,4 +88,10 @@ void ProcessSetup::tuneAllocator()
 #ifdef __GLIBC__
     mallopt(M_MXFAST, 0);
 #endif
+}
+
+QString ProcessSetup::fromThisProgram(const char* path)
+{
+    return QDir::cleanPath(QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath() +
+                           QLatin1Char('/') + QLatin1String(path));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 /**
  * What a process sets up before it reads a document.
  *
@@ -42,5 +44,12 @@ bool isTerminal();
 
 /** Whether a person sees what goes to standard error. */
 bool isErrorTerminal();
+
+/**
+ * The file that a path leads to from the folder of this program's own file. Programs that belong
+ * together find each other by it: they lie in the same way where they are built, where they are
+ * installed, and where they are moved then.
+ */
+QString fromThisProgram(const char* path);
 
 } // namespace ProcessSetup

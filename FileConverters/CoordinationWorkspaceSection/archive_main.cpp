@@ -4,20 +4,12 @@
 #include "FileConverters/CoordinationWorkspaceSection/StopSignals.h"
 #include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
 
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <iostream>
 
 namespace {
-
-// The programs lie in the same way where they are built as where they are installed.
-QString fromThisProgram(const char* path)
-{
-    return QDir::cleanPath(QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath() +
-                           QLatin1Char('/') + QLatin1String(path));
-}
 
 ArchiveStatus refuse(const QString& problem)
 {
@@ -30,8 +22,9 @@ ArchiveStatus refuse(const QString& problem)
 
 ArchiveStatus convert(ArchiveCommandLine commandLine)
 {
-    const QString worker = fromThisProgram(HELPER_PATH);
-    commandLine.settings.converter = fromThisProgram("CoordWorkSpaceSectionConverter0_3");
+    const QString worker = ProcessSetup::fromThisProgram(HELPER_PATH);
+    commandLine.settings.converter =
+        ProcessSetup::fromThisProgram("CoordWorkSpaceSectionConverter0_3");
     for (const QString& program : {worker, commandLine.settings.converter}) {
         if (!QFileInfo(program).isExecutable()) {
             writeUtf8(QStringLiteral("coordworkspace-convert-archive: a program is missing: %1\n")

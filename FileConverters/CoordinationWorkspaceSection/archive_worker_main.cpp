@@ -53,8 +53,8 @@ int main(int argc, char** argv)
         return fail(objection.toStdString());
     }
     if (settings.converter.isEmpty()) {
-        settings.converter = QFileInfo(QStringLiteral("/proc/self/exe")).canonicalPath() +
-                             QStringLiteral("/CoordWorkSpaceSectionConverter0_3");
+        settings.converter =
+            ProcessSetup::fromThisProgram(PROGRAMS_PATH "/CoordWorkSpaceSectionConverter0_3");
         ArchiveParcels::sweepBeside(plan);
     }
     std::optional<ArchiveLock> lock;

@@ -327,9 +327,9 @@ class MachinesThatGo(MachinesTest):
 class MachinesThatLie(MachinesTest):
     def put_worker(self, script):
         """A worker that is itself here, and something else on machines."""
-        programs = self.archive.program.parent
-        (programs / WORKER).rename(programs / "worker")
-        machines.write_script(programs / WORKER, f"worker='{programs}/worker'",
+        worker = self.archive.program.parent / WORKER
+        real = worker.rename(worker.with_name("worker"))
+        machines.write_script(worker, f"worker='{real}'",
                               '[ "$MACHINE" ] || exec "$worker" "$@"', "cd \"${1%/*}\" || exit",
                               'parcel=${1%/*} plan="$PWD/plan"; shift', script)
 
