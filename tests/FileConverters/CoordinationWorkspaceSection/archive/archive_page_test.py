@@ -290,8 +290,9 @@ class Failures(PageTest):
     def test_a_folder_that_takes_nothing_is_told_before_the_work(self):
         more = {}
         if os.geteuid() == 0:
-            programs = self.folder / "everybodys"
-            shutil.copytree(PROGRAMS, programs, ignore=shutil.ignore_patterns("*Test"))
+            programs = self.folder / "everybodys/bin"
+            for folder in ("bin", "libexec"):
+                shutil.copytree(PROGRAMS.parent / folder, programs.parent / folder)
             self.archive.program = programs / PROGRAM
             more = {"user": NOBODY, "group": NOBODY, "extra_groups": []}
             os.chown(self.folder, NOBODY, NOBODY)
