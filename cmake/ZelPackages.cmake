@@ -22,6 +22,8 @@ set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME coordworkspace)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS parallel)
+# For archives over several machines.
+set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SUGGESTS "openssh-client, rsync")
 set(CPACK_DEBIAN_PROGRAMS_DESCRIPTION
 "convert the workspaces of wireless-microphone coordinations
 Documents of a wireless-microphone frequency coordination from before section
