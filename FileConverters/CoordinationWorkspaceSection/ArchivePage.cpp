@@ -162,7 +162,7 @@ void ArchivePage::addChart()
     for (int kind = 0; kind < ArchivePageRow::KIND_COUNT; ++kind) {
         const int count = m_counts[static_cast<std::size_t>(kind)];
         const QByteArray share = QByteArray::number(PERCENT * count / all, 'f', 1);
-        m_html += "<tr><th scope=\"row\"><span class=\"mark " + ArchivePageRow::tokenOf(kind) +
+        m_html += R"(<tr><th scope="row"><span class="mark )" + ArchivePageRow::tokenOf(kind) +
                   "\">" + ArchivePageRow::nameOf(kind) + "</span></th><td class=\"number\">" +
                   ArchivePageRow::number(count) + "</td><td class=\"number\">" + share +
                   " %</td><td><svg class=\"bar " + ArchivePageRow::tokenOf(kind) +
@@ -180,7 +180,7 @@ void ArchivePage::addControls()
               "\"all\" hidden=\"hidden\">\n<fieldset>\n<legend>Show</legend>\n";
     for (int kind = 0; kind < ArchivePageRow::KIND_COUNT; ++kind) {
         const int count = m_counts[static_cast<std::size_t>(kind)];
-        m_html += "<label><input type=\"checkbox\" checked=\"checked\" value=\"" +
+        m_html += R"(<label><input type="checkbox" checked="checked" value=")" +
                   ArchivePageRow::tokenOf(kind) + "\" /> " + ArchivePageRow::nameOf(kind) + " (" +
                   ArchivePageRow::number(count) + ")</label>\n";
     }

@@ -116,7 +116,7 @@ QByteArray ArchivePageRow::number(qint64 number)
 
 QByteArray ArchivePageRow::html(int& systemsLeft) const
 {
-    return "<tbody data-outcome=\"" + tokenOf(kind()) + "\"><tr><th scope=\"row\"><bdi>" +
+    return "<tbody data-outcome=\"" + tokenOf(kind()) + R"("><tr><th scope="row"><bdi>)" +
            HtmlText::escaped(m_record.path) + "</bdi></th><td><span class=\"mark " +
            tokenOf(kind()) + "\">" + nameOf(kind()) + "</span></td><td data-losses=\"" +
            QByteArray::number(lossCount()) + "\">" + whatWasLost() + "</td>" +
@@ -161,7 +161,7 @@ QByteArray ArchivePageRow::spacings(int& systemsLeft) const
     }
     const int shown = std::min({all, ArchivePage::MOST_SYSTEMS_A_DOCUMENT, systemsLeft});
     systemsLeft -= shown;
-    const QByteArray begin = "<tr class=\"more\"><td colspan=\"6\">";
+    const QByteArray begin = R"(<tr class="more"><td colspan="6">)";
     if (shown == 0) {
         return begin + "<p>" + systemsChange(all) +
                "; this page shows no more systems, the report tells them.</p></td></tr>\n";
@@ -182,8 +182,8 @@ QByteArray ArchivePageRow::systemsTable(int count) const
         "</bdi></caption>\n<thead><tr><th scope=\"col\">Zone · series · band · mode ·"
         " group</th><th scope=\"col\">Profile</th>";
     for (std::size_t i = 0; i < ChangedSystem::SPACING_COUNT; ++i) {
-        html += "<th scope=\"col\" class=\"number\">" + ChangedSystem::headingOf(i).toLatin1() +
-                "</th>";
+        html +=
+            R"(<th scope="col" class="number">)" + ChangedSystem::headingOf(i).toLatin1() + "</th>";
     }
     html += "</tr></thead>\n<tbody>\n";
     for (int i = 0; i < count; ++i) {

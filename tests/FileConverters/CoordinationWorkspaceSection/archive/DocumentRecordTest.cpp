@@ -80,14 +80,15 @@ void DocumentRecordTest::onlySpacingsThatChangeAreWritten()
 void DocumentRecordTest::systemsGoThroughALineAndBack()
 {
     DocumentRecord record = convertedRecord();
-    record.systems = ChangedSystem::among({systemOf("S", 150, 0), systemOf("\u202e\"", -1, 7)});
+    record.systems =
+        ChangedSystem::among({systemOf("S", 150, 0), systemOf("\u202e\u202c\"", -1, 7)});
     const auto read = DocumentRecord::fromLine(record.toLine());
     QVERIFY(read);
     QVERIFY(read->tellsTheSameAs(record));
     QCOMPARE(read->toLine(), record.toLine());
     QCOMPARE(read->systems->size(), 2);
     QCOMPARE(read->systems->at(1).spacings[1].before, -1);
-    QCOMPARE(read->systems->at(1).series, QStringLiteral("\u202e\""));
+    QCOMPARE(read->systems->at(1).series, QStringLiteral("\u202e\u202c\""));
 }
 
 void DocumentRecordTest::linesFromBeforeTheSystemsAreRead()

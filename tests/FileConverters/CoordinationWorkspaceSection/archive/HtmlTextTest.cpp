@@ -44,8 +44,8 @@ void HtmlTextTest::foreignTextIsText_data()
                             << "⟨U+001B⟩[2J";
     QTest::newRow("delete") << unit(0x7F) << "⟨U+007F⟩";
     QTest::newRow("a control of Latin-1") << unit(0x85) << "⟨U+0085⟩";
-    QTest::newRow("right-to-left override") << "a\u202Elmx.b"
-                                            << "a⟨U+202E⟩lmx.b";
+    QTest::newRow("right-to-left override") << "a\u202Elmx.b\u202C"
+                                            << "a⟨U+202E⟩lmx.b⟨U+202C⟩";
     QTest::newRow("isolate") << "\u2066\u2069"
                              << "⟨U+2066⟩⟨U+2069⟩";
     QTest::newRow("right-to-left mark") << "\u200F"
