@@ -351,6 +351,11 @@ void InspectionTest::everythingThatIsLostIsFound_data()
         {{"<profile><series>T</series>",
           "<profile><mode>A</mode><tx_profile></tx_profile><series>T</series>"}},
         {"value-replaced 8 " + config2 + "/profile/mode"});
+    row("two zones in a channel's key", {{"<zone>Z<", "<zone>Y</zone><zone>Z<"}},
+        {"value-replaced 3 " + channel1 + "/compat_key/zone[1]"});
+    row("a zone in each of a channel's two keys",
+        {{"<compat_key>", "<compat_key><zone>Y</zone></compat_key><compat_key>"}},
+        {"value-replaced 3 " + channel1 + "/compat_key[1]/zone"});
     row("fields of two keys add up",
         {{"<compat_key><zone>Z</zone><series>S</series></compat_key>",
           "<compat_key><zone>Z</zone></compat_key><compat_key><series>S</series></compat_key>"}},
