@@ -100,7 +100,8 @@ class Finder:
     def shift(self, cursor):
         match = INTEGER.match(self.text_of(cursor).decode(errors="replace"))
         if match:
-            value = int(match[1], 0)
+            is_octal = match[1].isdigit() and match[1].startswith("0")
+            value = int(match[1], 8 if is_octal else 0)
             self.add(*self.span(cursor), f"{value + 1}{match[2]}", f"{value + 1} for {value}")
 
     def negate(self, cursor):

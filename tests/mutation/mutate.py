@@ -12,14 +12,15 @@ they are. Mistakes that the compiler refuses are replaced by others.
 """
 
 import argparse
+import collections
 import concurrent.futures
 import fnmatch
+import hashlib
 import os
 import pathlib
-import queue
-import random
 import subprocess
 import sys
+import threading
 import time
 
 import mistakes
@@ -59,30 +60,58 @@ def all_mistakes(copy, patterns):
     return sorted(found)
 
 
-class Trial:
-    """Tries mistakes, each in a working copy that nobody else uses meanwhile."""
+def drawn(found, seed):
+    """In an order of chance that a change of one source changes only for the mistakes there."""
+    seen = collections.Counter()
+    order = []
+    for mistake in found:
+        told = f"{seed} {mistake.path} {mistake.kind} {mistake.before}"
+        seen[told] += 1  # the same change can be made twice in a line, and in lines that are equal
+        order.append((hashlib.sha256(f"{told} {seen[told]}".encode()).digest(), mistake))
+    return [mistake for _, mistake in sorted(order)]
 
-    def __init__(self, copies, count):
-        self._copies = queue.SimpleQueue()
-        for copy in copies:
-            self._copies.put(copy)
-        self._wanted = count
+
+class Trial:
+    """Tries mistakes until as many as wanted were made, each copy in a thread of its own."""
+
+    def __init__(self, order, wanted):
+        # Of two mistakes in a row in one source only the second is compiled anew.
+        self._next = collections.deque(sorted(order[:wanted]))
+        self._spare = collections.deque(order[wanted:])  # for those that the compiler refuses
+        self._wanted = wanted
+        self._lock = threading.Lock()
+        self._known = no_mistakes()
         self.caught = 0
         self.missed = []
         self.harmless = 0
-        self._known = no_mistakes()
 
-    def attempt(self, mistake):
-        copy = self._copies.get()
-        try:
+    @property
+    def tried(self):
+        return self.caught + self.harmless + len(self.missed)
+
+    def run(self, copies):
+        with concurrent.futures.ThreadPoolExecutor(len(copies)) as pool:
+            # Half of the copies begin at the end, so that few tests are built in all of them.
+            loops = [pool.submit(self._loop, copy, number % 2) for number, copy in enumerate(copies)]
+            for loop in concurrent.futures.as_completed(loops):
+                loop.result()
+
+    def _loop(self, copy, from_end):
+        while (mistake := self._take(from_end)) is not None:
             suite = suites.suite_of(mistake.path)
             copy.prepare(suite)
             start = time.monotonic()
-            return mistake, copy.verdict(mistake, suite), time.monotonic() - start
-        finally:
-            self._copies.put(copy)
+            verdict = copy.verdict(mistake, suite)
+            with self._lock:
+                self._note(mistake, verdict, time.monotonic() - start)
 
-    def note(self, mistake, verdict, seconds):
+    def _take(self, from_end):
+        with self._lock:
+            if self._next:
+                return self._next.pop() if from_end else self._next.popleft()
+            return self._spare.popleft() if self._spare and self.tried < self._wanted else None
+
+    def _note(self, mistake, verdict, seconds):
         if verdict == COMPILER:
             return
         if verdict is not None:
@@ -93,29 +122,6 @@ class Trial:
         else:
             self.missed.append(mistake)
         print(f"{verdict or 'MISSED'} ({seconds:.0f} s)  {mistake}", flush=True)
-
-    @property
-    def tried(self):
-        return self.caught + self.harmless + len(self.missed)
-
-    @property
-    def done(self):
-        return self.tried >= self._wanted
-
-
-def run(trial, chosen, jobs):
-    chosen = iter(chosen)
-    with concurrent.futures.ThreadPoolExecutor(jobs) as pool:
-        running = {pool.submit(trial.attempt, mistake) for mistake, _ in zip(chosen, range(jobs))}
-        while running:
-            ended, running = concurrent.futures.wait(
-                running, return_when=concurrent.futures.FIRST_COMPLETED
-            )
-            for future in ended:
-                trial.note(*future.result())
-                mistake = None if trial.done else next(chosen, None)
-                if mistake is not None:
-                    running.add(pool.submit(trial.attempt, mistake))
 
 
 def main():
@@ -133,15 +139,16 @@ def main():
     if options.list:
         print(*found, sep="\n")
         return 0
-    random.Random(options.seed).shuffle(found)
-    trial = Trial(copies, options.count)
-    run(trial, found, options.jobs)
+    start = time.monotonic()
+    trial = Trial(drawn(found, options.seed), options.count)
+    trial.run(copies)
 
     real = trial.caught + len(trial.missed)
     share = trial.caught / real if real else 0
     print(
         f"mutation: {trial.tried} of {len(found)} mistakes made, {trial.caught} caught, "
-        f"{trial.harmless} are none, {len(trial.missed)} missed: {100 * share:.1f} % caught"
+        f"{trial.harmless} are none, {len(trial.missed)} missed: {100 * share:.1f} % caught, "
+        f"in {(time.monotonic() - start) / 60:.0f} minutes"
     )
     for mistake in trial.missed:
         print(f"missed: {mistake}")

@@ -13,6 +13,11 @@ DIAGNOSTICS = (
     "LoggerWriterThreadTest", "LogServiceProcessTest", "LogServiceStressTest",
 )  # fmt: skip
 
+ARCHIVE_PARTS = tuple(
+    f"Archive.{part}"
+    for part in ("Documents", "ExistingTargets", "Options", "Statuses", "WrongUsage", "TakingUp",
+                 "Streams", "HostileDocuments")
+)
 
 # What the tests that are scripts run; any other test is a program of its own name.
 PROGRAMS = {
@@ -22,6 +27,7 @@ PROGRAMS = {
     "InspectProgram": ("coordworkspace-inspect", CONVERTER),
     "InspectMistakes": ("coordworkspace-inspect", CONVERTER),
     "InspectAgreement": ("coordworkspace-inspect", CONVERTER),
+    **dict.fromkeys(ARCHIVE_PARTS, ("coordworkspace-convert-archive",)),
 }
 
 
@@ -64,9 +70,22 @@ SUITES = (
     ),
     Suite(
         "inspector",
+        tuple(
+            CONVERSION + name
+            for name in ("*Inspection.cpp", "DocumentPlaces.cpp", "DocumentText.cpp", "DocumentTree.cpp",
+                         "ExpectedDocument.cpp", "Finding*.cpp", "Inspect*.cpp", "Report*.cpp",
+                         "TextLayout.cpp", "Verification.cpp", "inspect_main.cpp")
+        ),
+        ("InspectionTest", "FindingListTest", "DocumentTextTest", "DocumentPlacesTest",
+         "TextLayoutTest", "InspectCommandLineTest", "InspectProgram", "InspectMistakes",
+         "InspectAgreement"),
+    ),
+    Suite(
+        "archive",
         (CONVERSION + "*.cpp",),
-        ("InspectionTest", "DocumentTextTest", "DocumentPlacesTest", "TextLayoutTest",
-         "InspectCommandLineTest", "InspectProgram", "InspectMistakes", "InspectAgreement"),
+        ARCHIVE_PARTS
+        + ("ArchiveLockTest", "ArchiveProgressTest", "ArchiveScheduleTest", "ArchiveSettingsTest",
+           "AtomicFileTest", "BoundedServerTest", "ProcessLimitsTest"),
     ),
 )  # fmt: skip
 
