@@ -85,7 +85,7 @@ SUITES = (
         (CONVERSION + "*.cpp",),
         ARCHIVE_PARTS
         + ("ArchiveLockTest", "ArchiveProgressTest", "ArchiveScheduleTest", "ArchiveSettingsTest",
-           "AtomicFileTest", "BoundedServerTest", "ProcessLimitsTest"),
+           "AtomicFileTest", "BoundedServerTest", "DocumentJobTest", "ProcessLimitsTest"),
     ),
 )  # fmt: skip
 
