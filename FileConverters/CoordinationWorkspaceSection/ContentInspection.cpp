@@ -20,11 +20,12 @@ QString quoted(const QString& value)
     return FindingList::quoted(value);
 }
 
-QSet<QString> namesOf(const IntegerElement* begin, std::size_t count)
+template <typename Elements>
+QSet<QString> namesOf(const Elements& elements)
 {
     QSet<QString> names;
-    for (std::size_t i = 0; i < count; ++i) {
-        names.insert(QLatin1String(begin[i].name));
+    for (const IntegerElement& element : elements) {
+        names.insert(QLatin1String(element.name));
     }
     return names;
 }
@@ -232,7 +233,7 @@ void inspectNumbers(const QDomElement& parent, const QSet<QString>& numbers, Fin
 
 void inspectSpacing(const QDomElement& spacing, FindingList& findings)
 {
-    static const QSet<QString> NUMBERS = namesOf(SPACINGS.data(), SPACINGS.size());
+    static const QSet<QString> NUMBERS = namesOf(SPACINGS);
     forEachAttribute(spacing, [&](const QString& name, const QString& value) {
         if (name != QLatin1String(RecordFormat::UNITS_ATTRIBUTE)) {
             addUnreadAttribute(spacing, name, value, findings);
@@ -290,7 +291,7 @@ void inspectFilterType(const QDomElement& filter, FindingList& findings)
 
 void inspectFilter(const QDomElement& filter, FindingList& findings)
 {
-    static const QSet<QString> NUMBERS = namesOf(FILTER_VALUES.data(), FILTER_VALUES.size());
+    static const QSet<QString> NUMBERS = namesOf(FILTER_VALUES);
     inspectAttributes(filter, {QLatin1String(FILTER_TYPE_ATTRIBUTE)}, findings);
     inspectFilterType(filter, findings);
     inspectText(filter, findings);

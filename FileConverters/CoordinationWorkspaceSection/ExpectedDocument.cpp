@@ -11,13 +11,11 @@
 
 namespace {
 
-const std::array<const char*, 6> SPACINGS = {"ch_ch",    "imd_2t3o", "imd_2t5o",
-                                             "imd_2t7o", "imd_2t9o", "imd_3t3o"};
-const std::array<const char*, 3> FILTER_VALUES = {"filter_start", "filter_end", "filter_center"};
+const std::array SPACINGS = {"ch_ch", "imd_2t3o", "imd_2t5o", "imd_2t7o", "imd_2t9o", "imd_3t3o"};
+const std::array FILTER_VALUES = {"filter_start", "filter_end", "filter_center"};
 
 // In the order of comparison.
-const std::array<const char*, 5> KEY_FIELDS = {"zone", "series", "band", "tx_profile",
-                                               "incl_group"};
+const std::array KEY_FIELDS = {"zone", "series", "band", "tx_profile", "incl_group"};
 // In the order of writing, by their numbers above.
 const std::array<std::size_t, 5> KEY_ORDER = {2, 1, 3, 0, 4};
 
