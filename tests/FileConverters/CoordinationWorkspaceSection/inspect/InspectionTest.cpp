@@ -338,6 +338,16 @@ void InspectionTest::everythingThatIsLostIsFound_data()
     row("attribute of the flags", {{"<compat_flags>", "<compat_flags all=\"0\">"}},
         {"unread-attribute 7 " + config1 + "/compat_flags/@all"});
     row("text in a profile", {{"<spacing ", "wide<spacing "}}, {"unread-text 11 " + profile1});
+    row("text in a spacing", {{"<ch_ch>", "wide<ch_ch>"}},
+        {"unread-text 11 " + profile1 + "/spacing"});
+    row("text in a filter", {{"<filter_center_list", "wide<filter_center_list"}},
+        {"unread-text 12 " + filter});
+    row("text in a list of centres", {{"<freq>", "all<freq>"}},
+        {"unread-text 13 " + filter + "/filter_center_list"});
+    row("text in a configuration's key", {{"<profile><zone>", "<profile>main<zone>"}},
+        {"unread-text 7 " + config1 + "/profile"});
+    row("text in the flags", {{"<compat_flags>", "<compat_flags>off"}},
+        {"unread-text 7 " + config1 + "/compat_flags"});
     row("text in a configuration", {{"<compat_flags>", "<![CDATA[off]]><compat_flags>"}},
         {"unread-text 7 " + config1});
     row("text beside the profiles", {{"<compat_profiles>", "<compat_profiles>none"}},
