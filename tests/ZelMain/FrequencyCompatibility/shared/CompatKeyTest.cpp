@@ -4,8 +4,10 @@
 
 #include <QtTest>
 
+#include <cstdlib>
 #include <map>
 #include <memory>
+#include <new>
 #include <sstream>
 #include <type_traits>
 
@@ -15,6 +17,31 @@ using Agility = AgilityOrderedCompatSystemUniqueKey;
 
 static_assert(!std::has_virtual_destructor_v<Basic>);
 static_assert(!std::has_virtual_destructor_v<Agility>);
+
+namespace {
+
+bool hasNoMemory = false;
+
+} // namespace
+
+void* operator new[](std::size_t size)
+{
+    void* const memory = hasNoMemory ? nullptr : std::malloc(size == 0 ? 1 : size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+void operator delete[](void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t /*size*/) noexcept
+{
+    std::free(memory);
+}
 
 namespace {
 
@@ -110,6 +137,7 @@ private slots:
     void streamPrintsTheFormOfTheRealKey();
     void basicKeySerializes_data();
     void basicKeySerializes();
+    void withoutMemoryNothingIsSerialized();
     void bytesDeserialize_data();
     void bytesDeserialize();
     void nullDataIsRefused();
@@ -436,6 +464,26 @@ void CompatKeyTest::basicKeySerializes()
     Basic back("x", "y", "z");
     QVERIFY(back.Deserialize(owned.get(), size));
     QVERIFY(back == key);
+}
+
+void CompatKeyTest::withoutMemoryNothingIsSerialized()
+{
+    Basic key("S", "B", "T");
+    void* data = &key;
+    int size = -1;
+    bool isThrown = false;
+
+    hasNoMemory = true;
+    try {
+        key.Serialize(data, size);
+    } catch (const std::bad_alloc&) {
+        isThrown = true;
+    }
+    hasNoMemory = false;
+
+    QVERIFY(isThrown);
+    QCOMPARE(data, nullptr);
+    QCOMPARE(size, 0);
 }
 
 void CompatKeyTest::bytesDeserialize_data()
