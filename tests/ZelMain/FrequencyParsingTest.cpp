@@ -1,6 +1,7 @@
 #include "ZelMain/Frequency.h"
 
 #include "tests/ZelMain/FrequencyTestSupport.h"
+#include "tests/support/MessageRecorder.h"
 
 #include <QDataStream>
 #include <QtTest>
@@ -10,25 +11,6 @@
 namespace {
 
 const double INFINITE = std::numeric_limits<double>::infinity();
-
-QStringList debugMessages; // what the handler below was told
-
-void keepDebugMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
-{
-    debugMessages << QStringLiteral("%1 %2 %3").arg(type).arg(context.category, message);
-}
-
-/** Gathers Qt's messages in debugMessages while it lives. */
-class MessageCatcher
-{
-public:
-    MessageCatcher() : m_before(qInstallMessageHandler(keepDebugMessage)) { debugMessages.clear(); }
-    ~MessageCatcher() { qInstallMessageHandler(m_before); }
-    Q_DISABLE_COPY_MOVE(MessageCatcher)
-
-private:
-    QtMessageHandler m_before;
-};
 
 QByteArray toBytes(const Frequency& frequency)
 {
@@ -165,21 +147,19 @@ void FrequencyParsingTest::unsupportedDefaultUnitsAreTold_data()
 void FrequencyParsingTest::unsupportedDefaultUnitsAreTold()
 {
     QFETCH(int, units);
-    const MessageCatcher catcher;
+    const MessageRecorder recorder;
     bool ok = true;
     const Frequency frequency = Frequency::fromString(QStringLiteral("470125"), &ok,
                                                       static_cast<Frequency::FreqUnits>(units));
     QVERIFY(frequency.isNull());
     QVERIFY(!ok);
-    QCOMPARE(
-        debugMessages,
-        QStringList(
-            QStringLiteral("%1 default Unsupported frequency units. \n").arg(int(QtDebugMsg))));
+    QCOMPARE(recorder.messages(), QVector<RecordedMessage>({{QtDebugMsg, "default",
+                                                             "Unsupported frequency units. \n"}}));
 }
 
 void FrequencyParsingTest::nothingElseIsTold()
 {
-    const MessageCatcher catcher;
+    const MessageRecorder recorder;
     Frequency::fromString(QStringLiteral("470125 Hz"), nullptr, Frequency::NoUnits);
     Frequency::fromString(QStringLiteral("470125 Hz"), nullptr, Frequency::Hz);
     Frequency::fromString(QStringLiteral("470125"), nullptr, Frequency::NoUnits);
@@ -188,7 +168,7 @@ void FrequencyParsingTest::nothingElseIsTold()
     Frequency::fromKhzString(QStringLiteral("abc"), nullptr);
     Frequency::ScrubFreqString(QStringLiteral("abc"), nullptr);
     Frequency::StringToMhz(QStringLiteral("abc"), QLocale::c());
-    QCOMPARE(debugMessages, QStringList());
+    QVERIFY(recorder.messages().isEmpty());
 }
 
 void FrequencyParsingTest::numberIsReadInKilohertz_data()

@@ -1,6 +1,7 @@
 #include "ZelMain/FrequencyCompatibility/QtPkTuningCapability.h"
 
 #include "tests/support/FileSizeLimit.h"
+#include "tests/support/MessageRecorder.h"
 #include "tests/support/VirtualSlot.h"
 
 #include <QBuffer>
@@ -24,28 +25,9 @@ const QString NIL_ID = QStringLiteral("00000000-0000-0000-0000-000000000000");
 
 constexpr int UNFIT = -2147483647 - 1;
 
-QStringList messages; // what the handler below was told
-
-void keepMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
+QVector<RecordedMessage> debugMessage(const char* text)
 {
-    messages << QStringLiteral("%1 %2 %3").arg(type).arg(context.category, message);
-}
-
-/** Gathers Qt's messages while it lives. */
-class MessageCatcher
-{
-public:
-    MessageCatcher() : m_before(qInstallMessageHandler(keepMessage)) { messages.clear(); }
-    ~MessageCatcher() { qInstallMessageHandler(m_before); }
-    Q_DISABLE_COPY_MOVE(MessageCatcher)
-
-private:
-    QtMessageHandler m_before;
-};
-
-QStringList debugMessage(const char* text)
-{
-    return {QStringLiteral("%1 default %2").arg(int(QtDebugMsg)).arg(QLatin1String(text))};
+    return {{QtDebugMsg, QStringLiteral("default"), QLatin1String(text)}};
 }
 
 boost::uuids::uuid uuid(const QString& text)
@@ -345,8 +327,10 @@ void QtPkTuningCapabilityTest::exportToANullParentDoesNothing()
 {
     QtPkTuningCapability capability = listed();
     QDomNode null;
+    const MessageRecorder recorder;
     capability.Export(null);
     QVERIFY(null.isNull());
+    QVERIFY(recorder.messages().isEmpty()); // Qt's nodes would warn
     QBuffer sink;
     sink.open(QIODevice::WriteOnly);
     QVERIFY(capability.StoreInXml(sink, true));
@@ -768,23 +752,26 @@ void QtPkTuningCapabilityTest::storingAsksForTheElementVirtually()
 void QtPkTuningCapabilityTest::unfitDeviceIsToldAndLeftAlone()
 {
     QtPkTuningCapability capability = listed();
-    const MessageCatcher catcher;
     QBuffer device;
-    QVERIFY(!capability.StoreInXml(device, true));
-    QCOMPARE(messages, debugMessage("Unopened output device can not be used"));
-
-    messages.clear();
+    {
+        const MessageRecorder recorder;
+        QVERIFY(!capability.StoreInXml(device, true));
+        QCOMPARE(recorder.messages(), debugMessage("Unopened output device can not be used"));
+    }
     device.open(QIODevice::ReadOnly);
-    QVERIFY(!capability.StoreInXml(device, true));
-    QCOMPARE(messages, debugMessage("The output device is not opened for writing"));
+    {
+        const MessageRecorder recorder;
+        QVERIFY(!capability.StoreInXml(device, true));
+        QCOMPARE(recorder.messages(), debugMessage("The output device is not opened for writing"));
+    }
     QVERIFY(device.data().isEmpty());
 
-    messages.clear();
     device.close();
     device.open(QIODevice::WriteOnly);
+    const MessageRecorder recorder;
     QVERIFY(capability.StoreInXml(device, true));
     QCOMPARE(device.data().count("<tuning_capability "), 1); // the refused ones left nothing
-    QCOMPARE(messages, QStringList());
+    QVERIFY(recorder.messages().isEmpty());
 }
 
 void QtPkTuningCapabilityTest::failedWriteIsNoSuccess()
@@ -822,12 +809,12 @@ void QtPkTuningCapabilityTest::fileThatCannotBeWrittenIsNoSuccess()
 {
     const QTemporaryDir folder;
     QtPkTuningCapability capability = listed();
-    const MessageCatcher catcher;
+    const MessageRecorder recorder;
     QVERIFY(!capability.Export(folder.path().toStdString(), true));
     QVERIFY(!capability.Export(folder.filePath(QStringLiteral("no/such")).toStdString(), true));
     QVERIFY(!capability.Export(std::string(), true));
     QVERIFY(!capability.Export(std::string("/dev/full"), true));
-    QCOMPARE(messages, QStringList());
+    QVERIFY(recorder.messages().isEmpty());
 }
 
 void QtPkTuningCapabilityTest::diskThatFillsUpIsNoSuccess()
