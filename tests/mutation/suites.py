@@ -15,8 +15,8 @@ DIAGNOSTICS = (
 
 ARCHIVE_PARTS = tuple(
     f"Archive.{part}"
-    for part in ("Documents", "ExistingTargets", "Options", "Statuses", "WrongUsage", "TakingUp",
-                 "Streams", "HostileDocuments")
+    for part in ("Documents", "ExistingTargets", "Options", "Statuses", "WrongUsage", "Mishaps",
+                 "TakingUp", "Streams", "HostileDocuments")
 )
 
 # What the tests that are scripts run; any other test is a program of its own name.

@@ -125,6 +125,13 @@ class ArchiveTest(unittest.TestCase):
                 self.schema.validate(line)
         return run
 
+    def another(self):
+        """A test of the same kind, with an archive of its own."""
+        other = type(self)()
+        other.setUp()
+        self.addCleanup(other.doCleanups)
+        return other
+
     def add_every_kind(self):
         for path, document in {
             "clean.xml": CLEAN, "lossy.xml": LOSSY, "old.xml": OLD, "newer.xml": NEWER,
@@ -452,13 +459,6 @@ class Statuses(ArchiveTest):
         for number, meaning in rows:
             with self.subTest(status=number, meaning=meaning):
                 self.assertEqual(self.WAYS[int(number)](self.another()), int(number))
-
-    def another(self):
-        """A test of the same kind, with an archive of its own."""
-        other = ArchiveTest()
-        other.setUp()
-        self.addCleanup(other.doCleanups)
-        return other
 
     @staticmethod
     def of_document(document, *options):
@@ -1043,6 +1043,106 @@ class Streams(ArchiveTest):
         self.assertEqual(sorted(home.rglob("*")), before)
         self.assertEqual({path.name for path in (self.archive.target / REPORT).parent.iterdir()},
                          {"report.jsonl", "lock", "jobs"})
+
+
+class Mishaps(ArchiveTest):
+    """What the programs meet while they are at work."""
+
+    def assert_left(self, outcome, reason, before=None):
+        """The document was left with this outcome, and nothing in its target's place was touched."""
+        self.assertEqual(self.archive.outcomes(), {"a.xml": (outcome, reason)})
+        self.assertNotIn("target", self.archive.records()["a.xml"])
+        self.assertEqual({path: data for path, (data, _, _) in self.archive.targets().items()},
+                         before or {})
+
+    def run_with_converter(self, status, script, *options):
+        self.archive.add("a.xml", CLEAN)
+        put_in_place(self, CONVERTER, script)
+        return self.run_archive(status, *options)
+
+    def test_a_document_that_is_changed_while_it_is_read(self):
+        for change in ("printf '\\n' >> \"$1\"", "touch -d 2001-01-01 \"$1\"", "rm \"$1\""):
+            with self.subTest(change):
+                test = self.another()
+                test.run_with_converter(
+                    FAILED, f"'{PROGRAMS / CONVERTER}' \"$1\"; {change}")
+                test.assert_left("failed", "changed")
+
+    def test_a_target_that_comes_while_its_document_is_converted(self):
+        target = self.archive.target / "a.xml"
+        self.run_with_converter(
+            REFUSED, f"printf mine > '{target}'; exec '{PROGRAMS / CONVERTER}' \"$1\"")
+        self.assert_left("refused", "target-exists", {"a.xml": b"mine"})
+
+    def test_a_folder_that_comes_in_a_targets_place(self):
+        self.archive.add("a.xml", CLEAN)
+        self.run_archive(DONE)
+        target = self.archive.target / "a.xml"
+        earlier = sha256(target.read_bytes())
+        self.archive.add("a.xml", CLEAN.replace("Vocal", "Bass"))
+        put_in_place(self, CONVERTER, f"rm '{target}'; mkdir '{target}'\n"
+                                      f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
+        self.run_archive(FAILED)
+        self.assertEqual(self.archive.outcomes(), {"a.xml": ("failed", "not-written")})
+        self.assertEqual(self.archive.records()["a.xml"]["earlier"]["sha256"], earlier)
+        self.assertTrue(target.is_dir())
+
+    def test_a_converter_that_cannot_be_started(self):
+        self.archive.add("a.xml", CLEAN)
+        put_in_place(self, CONVERTER, "")
+        (self.archive.program.parent / CONVERTER).write_text("#!/nowhere/sh\n")
+        self.run_archive(FAILED)
+        self.assert_left("failed", "no-converter")
+
+    def test_a_converter_that_refuses(self):
+        for script in ("exit 1", "printf '\\nFAILURE' >&2; exit 1"):
+            with self.subTest(script):
+                test = self.another()
+                test.run_with_converter(FAILED, f"echo half; {script}")
+                test.assert_left("failed", "not-converted")
+
+    def test_a_converter_that_dies(self):
+        for script in ("kill -11 $$", "exit 127"):
+            with self.subTest(script):
+                test = self.another()
+                test.run_with_converter(LIMIT, f"echo half; {script}")
+                test.assert_left("limit", "memory")
+
+    def test_a_program_that_is_missing(self):
+        self.archive.add("a.xml", CLEAN)
+        put_in_place(self, CONVERTER, "")
+        (self.archive.program.parent / CONVERTER).unlink()
+        run = self.run_archive(UNAVAILABLE)
+        self.assertEqual(run.stderr.decode(), f"{PROGRAM}: a program is missing:"
+                                              f" {self.archive.program.parent / CONVERTER}\n")
+        self.assertFalse(self.archive.target.exists())
+
+    def test_the_worker_alone(self):
+        def worker(*arguments):
+            return subprocess.run([PROGRAMS / WORKER, *arguments], capture_output=True, timeout=60)
+
+        run = worker()
+        self.assertEqual((run.returncode, run.stdout), (USAGE, b""))
+        self.assertIn(b"usage: ", run.stderr)
+        run = worker(self.folder / "nowhere", "0", "1")
+        self.assertEqual((run.returncode, run.stdout), (1, b""))
+        self.assertIn(b"the plan cannot be read", run.stderr)
+
+    def test_a_worker_whose_run_is_over(self):
+        put_in_place(self, WORKER, f"cp \"$1\" '{self.folder}/plan'\n"
+                                   f"echo \"$2 $3\" > '{self.folder}/job'\n"
+                                   f"exec '{PROGRAMS / WORKER}' \"$@\"")
+        self.archive.add("a.xml", CLEAN)
+        self.run_archive(DONE)
+        (self.archive.target / "a.xml").unlink()
+        job = (self.folder / "job").read_text().split()
+        with open(self.archive.target / ".coordworkspace/jobs", "r+") as lock:
+            fcntl.lockf(lock, fcntl.LOCK_EX)
+            run = subprocess.run([PROGRAMS / WORKER, self.folder / "plan", *job],
+                                 capture_output=True, timeout=60)
+        self.assertEqual((run.returncode, run.stdout), (1, b""))
+        self.assertIn(b"the run is over", run.stderr)
+        self.assertEqual(self.archive.targets(), {})
 
 
 if __name__ == "__main__":
