@@ -6,7 +6,9 @@
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
+#include <system_error>
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -58,6 +60,7 @@ private slots:
     void whatBreaksOffCostsOnlyItself();
     void eachRequestHasALimitOnMemoryOfItsOwn();
     void itMayBeEndedAtAnyTime();
+    void withoutDescriptorsItCannotBegin();
 };
 
 void BoundedServerTest::initTestCase()
@@ -128,6 +131,20 @@ void BoundedServerTest::itMayBeEndedAtAnyTime()
     const QByteArray process = *server.ask("process", {});
     server.end();
     QCOMPARE(kill(process.toInt(), 0), -1);
+    QCOMPARE(*server.ask("b", {}), QByteArray("answer to b"));
+}
+
+void BoundedServerTest::withoutDescriptorsItCannotBegin()
+{
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit none{0, before.rlim_max};
+    BoundedServer server(work);
+
+    setrlimit(RLIMIT_NOFILE, &none);
+    QVERIFY_EXCEPTION_THROWN(server.ask("b", {}), std::system_error);
+    setrlimit(RLIMIT_NOFILE, &before);
+
     QCOMPARE(*server.ask("b", {}), QByteArray("answer to b"));
 }
 

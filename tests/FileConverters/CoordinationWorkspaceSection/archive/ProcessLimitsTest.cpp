@@ -4,6 +4,7 @@
 
 #include <csignal>
 
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 namespace {
 
 constexpr qint64 GIGABYTE = 1000000000;
+constexpr pid_t THIS_PROCESS = 0;
 
 /** A child that does nothing but take time of the processor. */
 pid_t startBusyChild()
@@ -47,6 +49,8 @@ class ProcessLimitsTest : public QObject
 
 private slots:
     void aChildGetsThem();
+    void aHardLimitStays();
+    void thisProcessGetsThem();
     void withoutThemAChildKeepsWhatItHas();
     void aChildThatNobodyWaitsForEnds();
     void theTimeIsUp();
@@ -66,12 +70,48 @@ void ProcessLimitsTest::aChildGetsThem()
     endOf(child);
 }
 
+void ProcessLimitsTest::aHardLimitStays()
+{
+    const pid_t child = startBusyChild();
+    const rlimit hard{GIGABYTE, GIGABYTE};
+    QCOMPARE(prlimit(child, RLIMIT_AS, &hard, nullptr), 0);
+    QVERIFY((ProcessLimits{2 * GIGABYTE, 0}.applyTo(child)));
+    QCOMPARE(limitOf(child, RLIMIT_AS).rlim_cur, rlim_t(GIGABYTE));
+    kill(child, SIGKILL);
+    endOf(child);
+    QVERIFY(!(ProcessLimits{GIGABYTE, 0}.applyTo(child))); // it is gone
+}
+
+void ProcessLimitsTest::thisProcessGetsThem()
+{
+    const rlimit before = limitOf(THIS_PROCESS, RLIMIT_AS);
+    const rlimit coreBefore = limitOf(THIS_PROCESS, RLIMIT_CORE);
+    const rlimit someCore{coreBefore.rlim_max, coreBefore.rlim_max};
+    setrlimit(RLIMIT_CORE, &someCore);
+
+    QVERIFY((ProcessLimits{0, 0}.applyToThisProcess()));
+    QCOMPARE(limitOf(THIS_PROCESS, RLIMIT_AS).rlim_cur, before.rlim_cur);
+    QCOMPARE(limitOf(THIS_PROCESS, RLIMIT_CORE).rlim_cur, rlim_t(0));
+    int signalAtParentsEnd = 0;
+    prctl(PR_GET_PDEATHSIG, &signalAtParentsEnd);
+    QCOMPARE(signalAtParentsEnd, SIGKILL);
+    prctl(PR_SET_PDEATHSIG, 0);
+
+    const bool isApplied = ProcessLimits{GIGABYTE, 0}.applyToThisProcess();
+    const rlimit limited = limitOf(THIS_PROCESS, RLIMIT_AS);
+    setrlimit(RLIMIT_AS, &before); // a sanitizer takes more, so nothing else may happen before
+    prctl(PR_SET_PDEATHSIG, 0);
+    QVERIFY(isApplied);
+    QCOMPARE(limited.rlim_cur, rlim_t(GIGABYTE));
+    QCOMPARE(limited.rlim_max, before.rlim_max);
+}
+
 void ProcessLimitsTest::withoutThemAChildKeepsWhatItHas()
 {
     const pid_t child = startBusyChild();
     QVERIFY((ProcessLimits{0, 0}.applyTo(child)));
-    QCOMPARE(limitOf(child, RLIMIT_AS).rlim_cur, limitOf(0, RLIMIT_AS).rlim_cur);
-    QCOMPARE(limitOf(child, RLIMIT_CPU).rlim_cur, limitOf(0, RLIMIT_CPU).rlim_cur);
+    QCOMPARE(limitOf(child, RLIMIT_AS).rlim_cur, limitOf(THIS_PROCESS, RLIMIT_AS).rlim_cur);
+    QCOMPARE(limitOf(child, RLIMIT_CPU).rlim_cur, limitOf(THIS_PROCESS, RLIMIT_CPU).rlim_cur);
     kill(child, SIGKILL);
     endOf(child);
 }
