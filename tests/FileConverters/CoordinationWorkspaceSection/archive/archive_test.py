@@ -936,6 +936,25 @@ class HostileDocuments(ArchiveTest):
             order.append(found[-1])
         self.assertEqual(order, sorted(order), calls)
 
+    def test_a_file_system_that_cannot_tell_whether_a_name_is_taken(self):
+        self.trace_worker("-e inject=renameat2:error=EINVAL")
+        self.archive.add("a.xml", CLEAN)
+        self.run_archive(DONE)
+        self.assertEqual(self.archive.outcomes(), {"a.xml": ("converted", None)})
+        self.assertEqual({path: data for path, (data, _, _) in self.archive.targets().items()},
+                         {"a.xml": converted(CLEAN)})
+
+    def test_a_file_system_that_fails_in_the_end(self):
+        folder = self.archive.target
+        for rules in ("-e inject=renameat2:error=EIO", f"-P '{folder}' -e inject=fsync:error=EIO"):
+            with self.subTest(rules):
+                test = self.another()
+                test.trace_worker(rules.replace(str(folder), str(test.archive.target)))
+                test.archive.add("a.xml", CLEAN)
+                test.run_archive(FAILED)
+                self.assertEqual(test.archive.outcomes(), {"a.xml": ("failed", "not-written")})
+                self.assertIn("Input/output error", test.archive.records()["a.xml"]["text"])
+
     def trace_worker(self, rules, only_once=False):
         """Runs the worker under strace, which writes what it sees into "traced"."""
         program = PROGRAMS / WORKER
