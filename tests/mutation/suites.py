@@ -28,6 +28,7 @@ PROGRAMS = {
     "InspectMistakes": ("coordworkspace-inspect", CONVERTER),
     "InspectAgreement": ("coordworkspace-inspect", CONVERTER),
     **dict.fromkeys(ARCHIVE_PARTS, ("coordworkspace-convert-archive",)),
+    "ArchivePage": ("coordworkspace-convert-archive", "coordworkspace-inspect"),
 }
 
 
@@ -84,8 +85,9 @@ SUITES = (
         "archive",
         (CONVERSION + "*.cpp",),
         ARCHIVE_PARTS
-        + ("ArchiveLockTest", "ArchiveProgressTest", "ArchiveScheduleTest", "ArchiveSettingsTest",
-           "AtomicFileTest", "BoundedServerTest", "DocumentJobTest", "ProcessLimitsTest"),
+        + ("ArchivePage", "ArchiveLockTest", "ArchivePageTest", "ArchiveProgressTest",
+           "ArchiveScheduleTest", "ArchiveSettingsTest", "AtomicFileTest", "BoundedServerTest",
+           "DocumentJobTest", "DocumentRecordTest", "HtmlTextTest", "ProcessLimitsTest"),
     ),
 )  # fmt: skip
 

@@ -256,28 +256,37 @@ void LoggerImplTest::servicesOwnLoggerIsNeverEnabled()
 
 void LoggerImplTest::unwantedMessageIsNotFormatted_data()
 {
-    QTest::addColumn<bool>("levelOn");
+    QTest::addColumn<int>("level");
+    QTest::addColumn<bool>("levelsOn");
     QTest::addColumn<bool>("userOn");
-    QTest::newRow("level off") << false << true;
-    QTest::newRow("user off") << true << false;
+    for (int level = 0; level < 4; ++level) {
+        QTest::addRow("level %d off", level) << level << false << true;
+        QTest::addRow("user off at level %d", level) << level << true << false;
+    }
 }
 
 void LoggerImplTest::unwantedMessageIsNotFormatted()
 {
-    QFETCH(bool, levelOn);
+    QFETCH(int, level);
+    QFETCH(bool, levelsOn);
     QFETCH(bool, userOn);
-    m_service->enableErrorOutput(levelOn);
+    using Log = bool (Logger::*)(const char*, ...);
+    const Log logs[] = {&Logger::logDebug, &Logger::logInfo, &Logger::logWarning,
+                        &Logger::logError};
+    const QString names[] = {"DEBUG", "INFO", "WARNING", "ERROR"};
+    Logger& logger = *m_logger;
+    switchAllLevels(levelsOn);
     m_service->enableUserOutput(USER, userOn);
     // A text that is formatted tells how long it is.
     int formattedLength = -1;
-    QVERIFY(!m_logger->logError("four%n", &formattedLength));
+    QVERIFY(!(logger.*logs[level])("four%n", &formattedLength));
     QCOMPARE(formattedLength, -1);
 
-    m_service->enableErrorOutput(true);
+    switchAllLevels(true);
     m_service->enableUserOutput(USER, true);
-    QVERIFY(m_logger->logError("four%n", &formattedLength));
+    QVERIFY((logger.*logs[level])("four%n", &formattedLength));
     QCOMPARE(formattedLength, 4);
-    QCOMPARE(closeAndRead(), QStringList{"ERROR: four"});
+    QCOMPARE(closeAndRead(), QStringList(names[level] + ": four"));
 }
 
 namespace {
