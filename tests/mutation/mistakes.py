@@ -31,6 +31,7 @@ BRANCHES = (
     cindex.CursorKind.WHILE_STMT,
     cindex.CursorKind.CXX_FOR_RANGE_STMT,
 )
+SHORT = 20  # characters of a line that does not tell its place
 INTEGER = re.compile(r"(0[xX][0-9a-fA-F]+|\d+)([uUlL]*)$")
 
 
@@ -45,12 +46,13 @@ class Mistake:
     line: int
     kind: str
     before: str  # the line as it stands, without the blanks around it
+    place: str  # the same, after the line above it where it is short, as "return false;" is
 
     def in_text(self, text):
         return text[: self.start] + self.replacement.encode() + text[self.end :]
 
     def __str__(self):
-        return f"{self.path}:{self.line}: {self.kind}: {self.before}"
+        return f"{self.path}:{self.line}: {self.kind}: {self.place}"
 
 
 class Finder:
@@ -137,4 +139,8 @@ class Finder:
         before = self.text[line_start:line_end].decode(errors="replace").strip()
         if before.startswith(("static_assert", "#")):
             return
-        self.found.add(Mistake(self.path, start, end, replacement, line, kind, before))
+        place = before
+        if len(before) < SHORT:
+            above = self.text[:line_start].decode(errors="replace").rstrip().rpartition("\n")[2]
+            place = f"{above.strip()} {before}"
+        self.found.add(Mistake(self.path, start, end, replacement, line, kind, before, place))

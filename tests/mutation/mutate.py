@@ -32,13 +32,13 @@ BAR = 0.95
 
 
 def no_mistakes():
-    """(path, line's text, kind) of what is no mistake. Lines: path | kind | text | reason."""
+    """(path, place, kind) of what is no mistake. Lines: path | kind | place | reason."""
     known = set()
     for line in pathlib.Path(__file__).with_name("no_mistakes.txt").read_text().splitlines():
         if line and not line.startswith("#"):
             path, kind, rest = line.split(" | ", 2)
-            text, _reason = rest.rsplit(" | ", 1)
-            known.add((path, text, kind))
+            place, _reason = rest.rsplit(" | ", 1)
+            known.add((path, place, kind))
     return known
 
 
@@ -116,7 +116,7 @@ class Trial:
             return
         if verdict is not None:
             self.caught += 1
-        elif (mistake.path, mistake.before, mistake.kind) in self._known:
+        elif (mistake.path, mistake.place, mistake.kind) in self._known:
             self.harmless += 1
             verdict = "is no mistake"
         else:

@@ -16,6 +16,8 @@ TEST_SECONDS = 120
 PATIENCE_SECONDS = 20
 SLOWED_DOWN = 10
 COMPILER = "compiler"
+# Memory that is freed, or not written yet, is filled, so that who reads it notices.
+FILLED_MEMORY = {**os.environ, "GLIBC_TUNABLES": "glibc.malloc.tcache_count=0:glibc.malloc.perturb=165"}
 SILENT = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
 
 
@@ -107,7 +109,7 @@ class WorkingCopy:
         process = subprocess.Popen(
             ["ctest", "--test-dir", self.build, "-R", f"^{test}$", "--no-tests=error",
              "--timeout", str(round(self._seconds.get(test, TEST_SECONDS)))],
-            start_new_session=True, **SILENT,
+            start_new_session=True, env=FILLED_MEMORY, **SILENT,
         )  # fmt: skip
         try:
             return process.wait() == 0
