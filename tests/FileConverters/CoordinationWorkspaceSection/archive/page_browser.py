@@ -103,7 +103,9 @@ def start_browser(home, picture=False):
     # A dialog that opened stays open and is found.
     options.set_capability("unhandledPromptBehavior", "ignore")
     options.set_capability("goog:loggingPrefs", {"browser": "ALL", "performance": "ALL"})
-    environment = {**os.environ, "HOME": str(home), "XDG_CONFIG_HOME": str(home)}
+    # It leaves files behind, which go with this folder.
+    environment = {**os.environ, "HOME": str(home), "XDG_CONFIG_HOME": str(home),
+                   "TMPDIR": str(home)}
     return webdriver.Chrome(
         options=options, service=Service("/usr/bin/chromedriver", env=environment))
 
