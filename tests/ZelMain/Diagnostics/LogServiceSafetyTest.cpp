@@ -135,6 +135,7 @@ private slots:
     void deviceMayLogWhileItIsWrittenTo();
     void deviceMaySwitchTheServiceWhileItIsWrittenTo();
     void deviceMayCloseTheServiceWhileItIsWrittenTo();
+    void serviceThatIsClosingTakesNoUsers();
     void deviceMayStartAndCloseWhileItIsClosed();
     void configurationMayLogWhileItIsRead();
     void idleWriterFlushesFiles();
@@ -579,6 +580,34 @@ void LogServiceSafetyTest::deviceMayCloseTheServiceWhileItIsWrittenTo()
     QVERIFY(service.isUserEnabled(USER));
     service.closeLogger();
     QCOMPARE(device->lines().size(), 1);
+}
+
+void LogServiceSafetyTest::serviceThatIsClosingTakesNoUsers()
+{
+    class PatientService : public LogServiceImpl
+    {
+    public:
+        ~PatientService() override { closeLogger(); }
+    };
+    PatientService service;
+    service.initLogService({});
+    service.enableLogger(true);
+    const auto device = addUser<ActingDevice>(service, USER);
+    bool isClosing = false;
+    bool isTaken = true;
+    device->whenWritten = [&] {
+        const QDeadlineTimer deadline(20s);
+        while (service.isLoggerEnabled() && !deadline.hasExpired()) {
+            QThread::yieldCurrentThread();
+        }
+        isClosing = !service.isLoggerEnabled();
+        isTaken = !service.getLoggerObject("LATE").isNull();
+    };
+    QVERIFY(log(service, 1, "text"));
+    service.closeLogger();
+    QCOMPARE(device->lines(), QList<QByteArray>{"T text\n"});
+    QVERIFY(isClosing);
+    QVERIFY(!isTaken);
 }
 
 void LogServiceSafetyTest::deviceMayStartAndCloseWhileItIsClosed()
