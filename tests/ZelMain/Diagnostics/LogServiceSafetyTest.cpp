@@ -134,6 +134,7 @@ private slots:
 
     void deviceMayLogWhileItIsWrittenTo();
     void deviceMaySwitchTheServiceWhileItIsWrittenTo();
+    void deviceMayRegisterOthersWhileItIsWrittenTo();
     void deviceMayCloseTheServiceWhileItIsWrittenTo();
     void serviceThatIsClosingTakesNoUsers();
     void deviceMayStartAndCloseWhileItIsClosed();
@@ -567,6 +568,30 @@ void LogServiceSafetyTest::deviceMaySwitchTheServiceWhileItIsWrittenTo()
     service.closeLogger();
     QCOMPARE(device->lines(), QList<QByteArray>{"T text\n"});
     QCOMPARE(common->lines().size(), 1);
+}
+
+void LogServiceSafetyTest::deviceMayRegisterOthersWhileItIsWrittenTo()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto first = QSharedPointer<ActingDevice>::create();
+    const auto second = QSharedPointer<RecordingDevice>::create();
+    service.registerOutputDevice(first);
+    service.registerOutputDevice(second);
+    service.enableLogger(true);
+    service.getLoggerObject(USER);
+    service.enableUserOutput(USER, true);
+    service.enableInfoOutput(true);
+    first->whenWritten = [&] {
+        for (int other = 0; other < 3; ++other) {
+            service.registerOutputDevice(QSharedPointer<RecordingDevice>::create());
+        }
+    };
+    QVERIFY(log(service, 1, "text"));
+    QVERIFY(second->waitForLines(1)); // its place among the devices is where it was
+    service.closeLogger();
+    QCOMPARE(first->lines().size(), 1);
+    QCOMPARE(second->lines().size(), 1);
 }
 
 void LogServiceSafetyTest::deviceMayCloseTheServiceWhileItIsWrittenTo()
