@@ -432,6 +432,10 @@ void InspectionTest::everythingThatIsLostIsFound_data()
         {"comment-removed 10 " + PROFILES}, Inspection::CONVERT);
     row("a comment in a profile", {{"<spacing ", "<!-- old --><spacing "}}, {},
         {"comment-removed 11 " + profile1}, Inspection::CONVERT);
+    row("a comment behind the profiles", {{"</compat_profiles>", "<!-- end --></compat_profiles>"}},
+        {}, {"comment-removed 10 " + PROFILES}, Inspection::CONVERT);
+    row("a comment behind a spacing", {{"</spacing>", "</spacing><!-- end -->"}}, {},
+        {"comment-removed 11 " + profile1}, Inspection::CONVERT);
     row("a comment elsewhere stays", {{"<mic_channels>", "<mic_channels><!-- new -->"}}, {}, {},
         Inspection::CONVERT);
     row("a profile outside of the container",
