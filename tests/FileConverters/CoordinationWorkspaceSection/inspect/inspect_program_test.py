@@ -409,6 +409,19 @@ class Forms(Inspect):
         self.assertNotIn(self.COLOUR, self.on_terminal("--color=never", path, TERM="xterm"))
         self.assertNotIn(self.COLOUR, self.on_terminal("--json", "--color=always", path))
 
+    def test_the_worse_the_redder(self):
+        bold, red, green, yellow = (b"\x1b[%dm" % code for code in (1, 31, 32, 33))  # ECMA-48
+        good = self.write("good.xml", sound())
+        told = self.inspect("--color=always", good).stdout
+        self.assertTrue(told.startswith(bold + os.fsencode(good) + b"\x1b[0m\n"), told)
+        self.assertIn(b"\n  " + bold + b"Zone  ", told)
+        self.assertEqual(told.count(bold), 2)
+        self.assertTrue(told.splitlines()[-1].startswith(green), told)
+        self.assertNotIn(red, told)
+        told = self.inspect("--color=always", self.write("lossy.xml", sound(name="unknown"))).stdout
+        self.assertIn(red + b"profile-name-emptied", told)
+        self.assertTrue(told.splitlines()[-1].startswith(yellow), told)
+
     def test_colour_is_all_that_colour_adds(self):
         path = self.write("lossy.xml", sound(name="unknown"))
         coloured = self.inspect("--color=always", path).stdout
