@@ -140,6 +140,13 @@ void DeviceGateTest::closingTellsTheDeviceInUse()
     left.leave();
     left.leave();
     QVERIFY(left.close() == nullptr);
+
+    DeviceGate leftOnce;
+    QVERIFY(leftOnce.enter(DeviceGate::Writer));
+    QVERIFY(leftOnce.enter(DeviceGate::Writer));
+    QVERIFY(leftOnce.use(&first));
+    leftOnce.leave();
+    QVERIFY(leftOnce.close() == &first);
 }
 
 QTEST_GUILESS_MAIN(DeviceGateTest)
