@@ -32,7 +32,7 @@ ArchiveSettings settingsInside(ArchiveSettings settings)
     settings.target = OUTPUTS;
     settings.report = settings.usualReport();
     settings.staging = isTrial ? STAGING : QString();
-    settings.converter.clear(); // the one beside the worker
+    settings.converter.clear(); // the worker's own
     settings.version = QStringLiteral(ARCHIVE_VERSION);
     return settings;
 }

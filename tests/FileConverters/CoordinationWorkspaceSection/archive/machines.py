@@ -86,16 +86,17 @@ class Machine:
     def _write_server(self, knows_us):
         key = (self.network.keys / "user_key.pub").read_text()
         (self.folder / "authorized_keys").write_text(key if knows_us else "")
-        # The home folder of the account is the user's own, which no test touches.
-        write_script(self.folder / "command",
-                     f"HOME='{self.home}' MACHINE={self.name}; export HOME MACHINE",
-                     'cd "$HOME" || exit 255', 'exec /bin/sh -c "$SSH_ORIGINAL_COMMAND"')
+        # The home folder of the account is the user's own, which no test touches, and of which no
+        # start-up file of a shell has a say.
+        write_script(self.folder / "command", 'cd "$HOME" || exit 255',
+                     'exec /bin/sh -c "$SSH_ORIGINAL_COMMAND"')
         (self.folder / "server").write_text("\n".join((
             "ListenAddress 127.0.0.1", f"Port {self._port}",
             f"HostKey {self.network.keys}/host_key",
             f"AuthorizedKeysFile {self.folder}/authorized_keys", "PidFile none", "StrictModes no",
             "UsePAM no", "PermitRootLogin yes", "PasswordAuthentication no",
             "KbdInteractiveAuthentication no", "MaxStartups 100", "MaxSessions 100",
+            f"SetEnv HOME={self.home} MACHINE={self.name} SHLVL=2",
             f"ForceCommand {self.folder}/command", "")))
 
     @property
