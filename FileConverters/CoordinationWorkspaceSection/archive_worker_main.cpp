@@ -9,7 +9,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <cerrno>
 #include <cstring>

@@ -76,6 +76,7 @@ def put_documents(folder):
     shutil.copy(samples / "festival.xml", folder)
     for name in ("shows", "SOURCE"):
         shutil.copytree(samples, folder / name)
+    (folder / "machines").write_text("2/:\n")
 
 
 class Sandbox(unittest.TestCase):

@@ -55,7 +55,8 @@ void ArchiveScheduleTest::howDocumentsAreSpread_data()
     QTest::addColumn<qint64>("size");
     QTest::addColumn<Sizes>("sizes");
     QTest::newRow("a few are one each") << 3 << qint64(10000) << Sizes{1, 1, 1};
-    QTest::newRow("as many jobs as four times those beside each other") << 16 << qint64(10000) << Sizes(8, 2);
+    QTest::newRow("as many jobs as four times those beside each other")
+        << 16 << qint64(10000) << Sizes(8, 2);
     QTest::newRow("at most 256 in a job") << 4096 << qint64(10000) << Sizes(16, 256);
     QTest::newRow("at most four megabytes in a job") << 640 << qint64(100000) << Sizes(16, 40);
     QTest::newRow("large ones alone") << 16 << qint64(10000000) << Sizes(16, 1);
