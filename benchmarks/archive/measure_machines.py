@@ -32,7 +32,7 @@ sys.path.insert(0, str(PROJECT / "tests/FileConverters/CoordinationWorkspaceSect
 import machines  # noqa: E402
 
 PROGRAMS = ("coordworkspace-convert-archive", "CoordWorkSpaceSectionConverter0_3")
-WORKER = "coordworkspace-archive-worker"
+WORKER = "../libexec/coordworkspace/coordworkspace-archive-worker"
 LOGINS_A_PARCEL = 5
 LOGINS = 20
 PARCEL = 800  # documents of 10 kB in 8 MB
@@ -57,11 +57,14 @@ with open(plan, encoding="utf-8") as lines:
 
 def put_worker_that_makes_nothing(folder, programs, source):
     """Programs of which the worker hands back one output, made here, for every document."""
-    made = folder / "programs/made"
+    copies = folder / "programs/bin"
+    copies.mkdir(parents=True)
+    worker = copies / WORKER
+    made = worker.parent / "made"
     made.mkdir(parents=True)
     for program in PROGRAMS:
-        # Not linked: it looks for its worker beside the file that it is.
-        shutil.copy(programs / program, folder / "programs" / program)
+        # Not linked: it looks for its worker from the file that it is.
+        shutil.copy(programs / program, copies / program)
     one = folder / "one"
     (one / "source").mkdir(parents=True)
     document = next(path for path in source.rglob("*.xml"))
@@ -70,10 +73,9 @@ def put_worker_that_makes_nothing(folder, programs, source):
                    stdout=subprocess.DEVNULL)
     (made / "output").write_bytes((one / "target/a.xml").read_bytes())
     (made / "record").write_bytes((one / "target/.coordworkspace/report.jsonl").read_bytes())
-    worker = folder / "programs" / WORKER
     worker.write_text(MAKES_NOTHING)
     worker.chmod(0o755)
-    return folder / "programs"
+    return copies
 
 
 def processor_seconds(process, with_children):
