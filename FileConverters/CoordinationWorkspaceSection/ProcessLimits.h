@@ -20,10 +20,11 @@ struct ProcessLimits
     bool applyToThisProcess() const;
 
     /**
-     * Puts the limits on a child that has just been started.
+     * Puts the limits on a process: a child, or the calling one, which is to become another
+     * program. Neither allocates nor throws.
      *
-     * Should this process be killed, nobody counts the child's time; it ends then when it has taken
-     * as much of the processor's (POSIX.1-2017, RLIMIT_CPU).
+     * Should the one that counts its time be killed, it ends when it has taken as much of the
+     * processor's (POSIX.1-2017, RLIMIT_CPU).
      * @return whether the limits stand.
      */
     bool applyTo(pid_t process) const;

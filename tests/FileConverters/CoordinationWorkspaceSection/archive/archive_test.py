@@ -888,6 +888,20 @@ class HostileDocuments(ArchiveTest):
         self.assertEqual(self.archive.targets(), {})
         self.run_archive(DONE, "--memory=1000")
 
+    def test_the_converter_begins_within_its_limits(self):
+        limits = self.folder / "limits"
+        put_in_place(self, CONVERTER, f"(ulimit -v; ulimit -t; ulimit -c) >'{limits}'\n"
+                                      f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
+        self.archive.add("clean.xml", CLEAN)
+        # A sanitizer runs within no limit on memory.
+        memory = "none" if IS_SANITIZED else "1024"
+        self.run_archive(DONE, f"--memory={memory}", "--timeout=1000")
+        kilobytes, seconds, core = limits.read_text().split()
+        self.assertEqual(kilobytes, "unlimited" if IS_SANITIZED else "1000000")
+        # What the inspection has left of the time, and a second more.
+        self.assertIn(int(seconds), range(900, 1002))
+        self.assertEqual(core, "0")
+
     def test_time(self):
         slow_programs(self)
         self.archive.add("clean.xml", CLEAN)
