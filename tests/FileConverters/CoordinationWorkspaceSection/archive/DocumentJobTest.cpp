@@ -35,7 +35,7 @@ QByteArray edited(const QByteArray& from, const QByteArray& to)
 
 QString write(const QTemporaryDir& folder, const QByteArray& document)
 {
-    const QString path = folder.filePath(QStringLiteral("document.xml"));
+    QString path = folder.filePath(QStringLiteral("document.xml"));
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(document) != document.size()) {
         qFatal("the document of the test cannot be written");
