@@ -56,7 +56,9 @@ const QString IMPORT_EXPORT = QStringLiteral("IMPORT_EXPORT  ");
 /** An element with a "version" attribute, without one for a null text. */
 QDomElement sectionOf(const QString& element, const QString& version)
 {
-    QDomElement section = QDomDocument().createElement(element);
+    // An element refers to its document as long as it lives.
+    static QDomDocument document;
+    QDomElement section = document.createElement(element);
     if (!version.isNull()) {
         section.setAttribute("version", version);
     }

@@ -86,7 +86,9 @@ const QVector<Section> SECTIONS = {
 /** An element with a "version" attribute, without one for a null text. */
 QDomElement sectionOf(const QString& element, const QString& version)
 {
-    QDomElement section = QDomDocument().createElement(element);
+    // An element refers to its document as long as it lives.
+    static QDomDocument document;
+    QDomElement section = document.createElement(element);
     if (!version.isNull()) {
         section.setAttribute("version", version);
     }
