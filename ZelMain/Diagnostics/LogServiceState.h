@@ -11,7 +11,6 @@
 #include <chrono>
 #include <memory>
 #include <mutex>
-#include <vector>
 
 namespace PkLogger {
 
@@ -47,9 +46,6 @@ struct LogServiceImpl::State
     // Guarded by startStop.
     std::unique_ptr<LoggerWriterThread> writer;
     std::unique_ptr<LogFilesCleanupThread> cleanup;
-    // Kept for good, together: a given-up thread may come back from its device at any time.
-    std::vector<std::unique_ptr<QThread>> abandonedThreads;
-    std::vector<std::shared_ptr<LogSession>> abandonedSessions;
 };
 
 /** A call of a thread that opens or closes devices: it has the devices to itself. */

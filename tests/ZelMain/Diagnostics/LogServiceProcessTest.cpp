@@ -20,6 +20,7 @@ private slots:
     void everyQueuedLineIsWrittenAtTheEnd();
     void cleanupUnderWayAtTheEndDoesNoHarm();
     void threadThatStillRunsAtTheEndDoesNoHarm();
+    void forkedChildWritesNothingTwice_data();
     void forkedChildWritesNothingTwice();
     void crashLeavesWholeLines_data();
     void crashLeavesWholeLines();
@@ -50,7 +51,7 @@ void LogServiceProcessTest::run(const QString& way)
 {
     QProcess process;
 #ifdef __SANITIZE_ADDRESS__
-    if (way == "fork-under-load") {
+    if (way.startsWith("fork-")) {
         // In a child the leak search waits for threads of the parent and misses what they hold.
         auto environment = QProcessEnvironment::systemEnvironment();
         environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":detect_leaks=0");
@@ -149,9 +150,21 @@ void LogServiceProcessTest::threadThatStillRunsAtTheEndDoesNoHarm()
     expectNumberedLines(wholeLines(path()), 1000);
 }
 
+void LogServiceProcessTest::forkedChildWritesNothingTwice_data()
+{
+    QTest::addColumn<QString>("way");
+    QTest::newRow("when all is written") << "fork-when-idle";
+#ifndef __SANITIZE_ADDRESS__
+    // A child of the address sanitizer waits for ever for the locks of its allocator that another
+    // thread held at the fork; the C library's own allocator is whole in a child.
+    QTest::newRow("while lines are written") << "fork-under-load";
+#endif
+}
+
 void LogServiceProcessTest::forkedChildWritesNothingTwice()
 {
-    run("fork-under-load");
+    QFETCH(QString, way);
+    run(way);
     QVERIFY(!m_hasCrashed);
     QCOMPARE(m_status, 0);
     const QList<QByteArray> lines = wholeLines(path());

@@ -57,6 +57,12 @@ void log(PkLogger::Logger& logger, int from, int to)
     }
 }
 
+int writtenLines()
+{
+    QFile written(file);
+    return written.open(QIODevice::ReadOnly) ? written.readAll().count('\n') : 0;
+}
+
 /** Logs when it is destroyed and tells whether that was accepted. */
 class LastWords
 {
@@ -180,39 +186,92 @@ bool useServiceInChild(PkLogger::Logger& logger, int child)
     return true;
 }
 
-int forkUnderLoad()
+/** Logs numbered lines beside the caller, up to a limit that is raised while it runs. */
+class Load
 {
-    const auto logger = start(file);
-    std::atomic<int> number{0};
-    std::atomic<int> limit{0};
-    std::atomic<bool> isOver{false};
-    std::thread load([&] {
-        while (!isOver) {
-            if (number < limit && logger->logError("line %d", number.load())) {
-                ++number;
-            }
-        }
-    });
-    int failures = 0;
-    for (int child = 0; child < CHILDREN; ++child) {
-        const int before = number;
-        limit = before + 2 * LINES; // so many that the fork falls into the middle of them
-        while (number < before + 100) {
+public:
+    explicit Load(PkLogger::Logger& logger)
+        : m_thread([this, &logger] {
+              while (!m_isOver) {
+                  if (m_number < m_limit && logger.logError("line %d", m_number.load())) {
+                      ++m_number;
+                  }
+              }
+          })
+    {
+    }
+    Load(const Load&) = delete;
+    Load& operator=(const Load&) = delete;
+
+    /** Comes back when the next lines are under way and the last of them is far. */
+    void continueBelow(int lines)
+    {
+        const int before = m_number;
+        m_limit = before + lines;
+        while (m_number < before + lines / 20) {
             std::this_thread::yield();
         }
-        const pid_t process = fork();
-        if (process == 0) {
-            std::exit(useServiceInChild(*logger, child) ? EXIT_SUCCESS : EXIT_FAILURE);
-        }
-        int status = -1;
-        waitpid(process, &status, 0);
-        failures += status == 0 ? 0 : 1;
     }
-    isOver = true;
-    load.join();
+
+    /** Comes back when as many lines more as it says stand in the file. */
+    void continueUntilWritten(int lines)
+    {
+        m_limit = m_number + lines;
+        while (writtenLines() < m_limit) {
+            std::this_thread::yield();
+        }
+    }
+
+    /** @return how many lines it has logged. */
+    int end()
+    {
+        m_isOver = true;
+        m_thread.join();
+        return m_number;
+    }
+
+private:
+    std::atomic<int> m_number{0};
+    std::atomic<int> m_limit{0};
+    std::atomic<bool> m_isOver{false};
+    std::thread m_thread; // begins when the rest stands
+};
+
+/** Forks, and ends the child when it has used the service. */
+bool childSucceeds(PkLogger::Logger& logger, int child)
+{
+    const pid_t process = fork();
+    if (process == 0) {
+        std::exit(useServiceInChild(logger, child) ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    int status = -1;
+    waitpid(process, &status, 0);
+    return status == 0;
+}
+
+int forkOften(void (*nextLines)(Load&))
+{
+    const auto logger = start(file);
+    Load load(*logger);
+    int failures = 0;
+    for (int child = 0; child < CHILDREN; ++child) {
+        nextLines(load);
+        failures += childSucceeds(*logger, child) ? 0 : 1;
+    }
+    const int lines = load.end();
     service()->closeLogger();
-    std::printf("%d lines, %d failures\n", number.load(), failures);
+    std::printf("%d lines, %d failures\n", lines, failures);
     return EXIT_SUCCESS;
+}
+
+int forkUnderLoad()
+{
+    return forkOften([](Load& load) { load.continueBelow(2 * LINES); });
+}
+
+int forkWhenIdle()
+{
+    return forkOften([](Load& load) { load.continueUntilWritten(LINES / 10); });
 }
 
 void withoutCoreFile()
@@ -225,16 +284,10 @@ int crashWhenIdle()
 {
     withoutCoreFile();
     log(*start(file), 0, 10);
-    struct stat before = {};
-    while (stat(file, &before) != 0 || before.st_size == 0) { // the idle writer flushes
+    while (writtenLines() < 10) { // the idle writer flushes
         std::this_thread::yield();
     }
-    while (true) {
-        QFile written(file);
-        if (written.open(QIODevice::ReadOnly) && written.readAll().count('\n') == 10) {
-            std::abort();
-        }
-    }
+    std::abort();
 }
 
 int crashUnderLoad()
@@ -286,6 +339,7 @@ const std::map<std::string, int (*)()> WAYS = {
     {"end-with-a-running-thread", endWithARunningThread},
     {"start-from-an-exit-handler", startFromAnExitHandler},
     {"fork-under-load", forkUnderLoad},
+    {"fork-when-idle", forkWhenIdle},
     {"crash-when-idle", crashWhenIdle},
     {"crash-under-load", crashUnderLoad},
     {"idle", idle},
