@@ -222,8 +222,13 @@ class Places(PageTest):
         foreign.write_text("<!DOCTYPE html>\n<html lang=\"en\"><title>Mine</title></html>")
         (self.folder / "into").symlink_to(self.archive.source)
         report = self.folder / "report.jsonl"
+        # Stands for devices, which a program at fault would replace for the whole machine.
+        elsewhere = self.enterContext(tempfile.TemporaryDirectory())
+        pipe = pathlib.Path(elsewhere, "pipe")
+        os.mkfifo(pipe)
+        (self.folder / "to-pipe").symlink_to(pipe)
         for file in ("source/page.html", "source", self.archive.source / "a.xml", self.folder,
-                     "into/page.html", "none/page.html", foreign, "/dev/null", "/dev/stdout", "",
+                     "into/page.html", "none/page.html", foreign, pipe, "to-pipe", "",
                      "target/.coordworkspace/page.html", "target/.coordworkspace/report.jsonl",
                      target, "target/sub/page.html"):
             with self.subTest(file=str(file)):
