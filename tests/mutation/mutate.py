@@ -104,6 +104,7 @@ class Trial:
             verdict = copy.verdict(mistake, suite)
             with self._lock:
                 self._note(mistake, verdict, time.monotonic() - start)
+        copy.confirm()
 
     def _take(self, from_end):
         with self._lock:

@@ -31,7 +31,7 @@ class WorkingCopy:
              "-DCMAKE_CXX_FLAGS_DEBUG=-O0", "-DZEL_WARNINGS=OFF", "-DZEL_HARDENING=OFF",
              "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON"]
         )  # fmt: skip
-        self._prepared = set()
+        self._prepared = {}
         self._seconds = {}
 
     def _copy(self, project):
@@ -84,7 +84,14 @@ class WorkingCopy:
                 raise RuntimeError(f"{test} fails before any mistake was made")
             needed = time.monotonic() - start
             self._seconds[test] = min(TEST_SECONDS, PATIENCE_SECONDS + SLOWED_DOWN * needed)
-        self._prepared.add(suite.name)
+        self._prepared[suite.name] = suite
+
+    def confirm(self):
+        """Raises unless what was prepared still passes: else the machine was at fault, not a mistake."""
+        for suite in self._prepared.values():
+            for test in suite.tests:
+                if not (self._builds(test) and self._passes(test)):
+                    raise RuntimeError(f"{test} fails after all mistakes are gone")
 
     def verdict(self, mistake, suite):
         """The test that catches the mistake, "compiler" where that refuses it, or None."""
