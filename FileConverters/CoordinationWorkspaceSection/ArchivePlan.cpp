@@ -1,5 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchivePlan.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/JsonLine.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -8,30 +10,25 @@
 
 namespace {
 
-QByteArray lineOf(const QJsonObject& object)
+QByteArray lineOf(const PlannedDocument& document)
 {
-    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    JsonLine line;
+    line.add("path", document.path);
+    line.add("size", document.size);
+    line.add("mayReplace", document.mayReplace);
+    line.add("isBlocked", document.isBlocked);
+    if (document.earlier) {
+        document.earlier->addTo(line, "earlier");
+    }
+    return line.take();
 }
 
-QJsonObject objectOf(const PlannedDocument& document)
+PlannedDocument documentFrom(const QByteArray& line)
 {
-    return {{"path", document.path},
-            {"size", document.size},
-            {"mayReplace", document.mayReplace},
-            {"isBlocked", document.isBlocked},
-            {"earlier", document.earlier ? document.earlier->toJson() : QJsonValue()}};
-}
-
-PlannedDocument documentFrom(const QJsonObject& object)
-{
+    const QJsonObject object = QJsonDocument::fromJson(line).object();
     return {object["path"].toString(), static_cast<qint64>(object["size"].toDouble()),
             object["mayReplace"].toBool(), object["isBlocked"].toBool(),
             FileIdentity::fromJson(object["earlier"])};
-}
-
-QJsonObject readObject(QFile& file)
-{
-    return QJsonDocument::fromJson(file.readLine()).object();
 }
 
 void resolve(QString& path, const QDir& folder)
@@ -50,12 +47,12 @@ std::vector<PlannedJob> ArchivePlan::write(const QString& file, const ArchiveSet
     if (!plan.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         return {};
     }
-    plan.write(lineOf(settings.toJson()));
+    plan.write(settings.toLine());
     std::vector<PlannedJob> planned;
     for (const std::vector<PlannedDocument>& job : jobs) {
         planned.push_back({plan.pos(), static_cast<int>(job.size())});
         for (const PlannedDocument& document : job) {
-            plan.write(lineOf(objectOf(document)));
+            plan.write(lineOf(document));
         }
     }
     return plan.flush() && plan.error() == QFileDevice::NoError ? planned
@@ -69,7 +66,7 @@ std::vector<PlannedDocument> ArchivePlan::read(const QString& file, const Planne
     if (!plan.open(QIODevice::ReadOnly)) {
         return {};
     }
-    settings = ArchiveSettings::fromJson(readObject(plan));
+    settings = ArchiveSettings::fromLine(plan.readLine());
     const QDir folder = QFileInfo(file).absoluteDir();
     for (QString* const path :
          {&settings.source, &settings.target, &settings.report, &settings.staging}) {
@@ -78,7 +75,7 @@ std::vector<PlannedDocument> ArchivePlan::read(const QString& file, const Planne
     std::vector<PlannedDocument> documents;
     if (plan.seek(job.offset)) {
         for (int i = 0; i < job.count; ++i) {
-            documents.push_back(documentFrom(readObject(plan)));
+            documents.push_back(documentFrom(plan.readLine()));
         }
     }
     return documents;

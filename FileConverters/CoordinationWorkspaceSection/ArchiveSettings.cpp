@@ -1,5 +1,8 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveSettings.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/JsonLine.h"
+
+#include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
@@ -14,9 +17,11 @@ constexpr qint64 BASE_MEMORY = 256 * MEGABYTE;
 constexpr qint64 MEMORY_PER_BYTE = 64;
 constexpr qint64 MOST_MILLISECONDS = std::numeric_limits<int>::max(); // that can be waited for
 
-QJsonValue valueOf(const std::optional<qint64>& number)
+void add(JsonLine& line, const char* key, const std::optional<qint64>& number)
 {
-    return number ? QJsonValue(*number) : QJsonValue(QJsonValue::Null);
+    if (number) {
+        line.add(key, *number);
+    }
 }
 
 std::optional<qint64> numberFrom(const QJsonValue& value)
@@ -33,22 +38,25 @@ ProcessLimits ArchiveSettings::limitsFor(qint64 size) const
             std::min(milliseconds.value_or(usual), MOST_MILLISECONDS)};
 }
 
-QJsonObject ArchiveSettings::toJson() const
+QByteArray ArchiveSettings::toLine() const
 {
-    return {{"source", source},
-            {"target", target},
-            {"report", report},
-            {"converter", converter},
-            {"staging", staging},
-            {"version", version},
-            {"milliseconds", valueOf(milliseconds)},
-            {"memoryBytes", valueOf(memoryBytes)},
-            {"onlyClean", onlyClean},
-            {"verifies", verifies}};
+    JsonLine line;
+    line.add("source", source);
+    line.add("target", target);
+    line.add("report", report);
+    line.add("converter", converter);
+    line.add("staging", staging);
+    line.add("version", version);
+    add(line, "milliseconds", milliseconds);
+    add(line, "memoryBytes", memoryBytes);
+    line.add("onlyClean", onlyClean);
+    line.add("verifies", verifies);
+    return line.take();
 }
 
-ArchiveSettings ArchiveSettings::fromJson(const QJsonObject& object)
+ArchiveSettings ArchiveSettings::fromLine(const QByteArray& line)
 {
+    const QJsonObject object = QJsonDocument::fromJson(line).object();
     ArchiveSettings settings;
     settings.source = object["source"].toString();
     settings.target = object["target"].toString();

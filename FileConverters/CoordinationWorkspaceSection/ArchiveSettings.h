@@ -2,11 +2,10 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/ProcessLimits.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <optional>
-
-class QJsonObject;
 
 /** How the documents of an archive are converted. */
 struct ArchiveSettings
@@ -29,8 +28,9 @@ struct ArchiveSettings
     /** What a document of @p size bytes may take. */
     ProcessLimits limitsFor(qint64 size) const;
 
-    QJsonObject toJson() const;
-    static ArchiveSettings fromJson(const QJsonObject& object);
+    /** As a JSON object (RFC 8259) on a line. */
+    QByteArray toLine() const;
+    static ArchiveSettings fromLine(const QByteArray& line);
 
     /** Where the document of a path stands, and its output will. */
     QString sourceOf(const QString& path) const { return source + QLatin1Char('/') + path; }

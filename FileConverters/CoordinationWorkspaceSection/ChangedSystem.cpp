@@ -1,6 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/ChangedSystem.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/Inspection.h"
+#include "FileConverters/CoordinationWorkspaceSection/JsonLine.h"
 #include "FileConverters/CoordinationWorkspaceSection/Spacings.h"
 
 #include <QJsonArray>
@@ -41,24 +42,36 @@ bool isChanged(const ChangedSystem& system)
                        [](const ChangedSystem::Change& change) { return change.isThere(); });
 }
 
-QJsonObject objectOf(const ChangedSystem& system)
+// Reports hold many systems: what does not change is left to the inspector.
+void addSpacings(const ChangedSystem& system, JsonLine& line)
 {
-    // Reports hold many systems: what does not change is left to the inspector.
-    QJsonObject spacings;
+    line.beginObject("spacings");
     for (std::size_t i = 0; i < system.spacings.size(); ++i) {
         const ChangedSystem::Change& change = system.spacings[i];
         if (change.isThere()) {
-            spacings.insert(QLatin1String(SPACINGS_OF_SYSTEM[i].element),
-                            QJsonObject{{"before", change.before}, {"after", change.after}});
+            line.beginObject(SPACINGS_OF_SYSTEM[i].element);
+            line.add("after", change.after);
+            line.add("before", change.before);
+            line.endObject();
         }
     }
-    return {{"zone", system.zone},
-            {"series", system.series},
-            {"band", system.band},
-            {"tx_profile", system.txProfile},
-            {"incl_group", system.inclGroup},
-            {"name", QJsonObject{{"before", system.nameBefore}, {"after", system.nameAfter}}},
-            {"spacings", spacings}};
+    line.endObject();
+}
+
+void addSystem(const ChangedSystem& system, JsonLine& line)
+{
+    line.beginObject();
+    line.add("band", system.band);
+    line.add("incl_group", system.inclGroup);
+    line.beginObject("name");
+    line.add("after", system.nameAfter);
+    line.add("before", system.nameBefore);
+    line.endObject();
+    line.add("series", system.series);
+    addSpacings(system, line);
+    line.add("tx_profile", system.txProfile);
+    line.add("zone", system.zone);
+    line.endObject();
 }
 
 ChangedSystem systemFrom(const QJsonValue& object)
@@ -100,20 +113,22 @@ QString ChangedSystem::headingOf(std::size_t spacing)
     return QLatin1String(SPACINGS_OF_SYSTEM[spacing].heading);
 }
 
-QJsonArray ChangedSystem::toJson(const QVector<ChangedSystem>& systems)
+void ChangedSystem::addTo(JsonLine& line, const char* key, const QVector<ChangedSystem>& systems)
 {
-    QJsonArray array;
+    line.beginArray(key);
     for (const ChangedSystem& system : systems) {
-        array.append(objectOf(system));
+        addSystem(system, line);
     }
-    return array;
+    line.endArray();
 }
 
-QVector<ChangedSystem> ChangedSystem::fromJson(const QJsonArray& array)
+std::optional<QVector<ChangedSystem>> ChangedSystem::fromJson(const QJsonValue& array)
 {
+    if (!array.isArray()) {
+        return std::nullopt;
+    }
     QVector<ChangedSystem> systems;
-    systems.reserve(array.size());
-    for (const QJsonValue& system : array) {
+    for (const QJsonValue& system : array.toArray()) {
         systems.append(systemFrom(system));
     }
     return systems;

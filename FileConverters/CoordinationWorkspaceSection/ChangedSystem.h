@@ -5,9 +5,11 @@
 #include <QVector>
 
 #include <array>
+#include <optional>
 #include <vector>
 
-class QJsonArray;
+class JsonLine;
+class QJsonValue;
 struct InspectedSystem;
 
 /** A system some of whose spacings are others after the conversion. */
@@ -44,6 +46,8 @@ struct ChangedSystem
     /** What people call a spacing. */
     static QString headingOf(std::size_t spacing);
 
-    static QJsonArray toJson(const QVector<ChangedSystem>& systems);
-    static QVector<ChangedSystem> fromJson(const QJsonArray& array);
+    static void addTo(JsonLine& line, const char* key, const QVector<ChangedSystem>& systems);
+
+    /** @return none when the value is no array. */
+    static std::optional<QVector<ChangedSystem>> fromJson(const QJsonValue& array);
 };

@@ -1,5 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/DocumentRecord.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/JsonLine.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -17,22 +19,27 @@ namespace {
 // Changes only when a program that knows the number before could misread a line.
 constexpr int FORMAT = 1;
 constexpr double MILLISECONDS = 1000.0;
+// What another machine tells may be anything.
+constexpr double MOST_SECONDS = 1e9;
+constexpr double MOST_BYTES = 1LL << 53; // that a double counts one by one
 constexpr int CHUNK = 65536;
 
 // In the order of the outcomes.
 constexpr std::array OUTCOMES = {"converted", "current", "lossy", "refused", "limit", "failed"};
 
-QJsonArray arrayOf(const std::vector<LossSummary>& losses)
+void addLosses(const std::vector<LossSummary>& losses, JsonLine& line)
 {
-    QJsonArray array;
+    line.beginArray("losses");
     for (const LossSummary& loss : losses) {
-        array.append(QJsonObject{{"kind", loss.kind},
-                                 {"count", loss.count},
-                                 {"line", loss.line},
-                                 {"path", loss.path},
-                                 {"text", loss.text}});
+        line.beginObject();
+        line.add("count", loss.count);
+        line.add("kind", loss.kind);
+        line.add("line", loss.line);
+        line.add("path", loss.path);
+        line.add("text", loss.text);
+        line.endObject();
     }
-    return array;
+    line.endArray();
 }
 
 std::vector<LossSummary> lossesFrom(const QJsonArray& array)
@@ -47,9 +54,12 @@ std::vector<LossSummary> lossesFrom(const QJsonArray& array)
 
 } // namespace
 
-QJsonObject FileIdentity::toJson() const
+void FileIdentity::addTo(JsonLine& line, const char* key) const
 {
-    return {{"size", size}, {"sha256", sha256}};
+    line.beginObject(key);
+    line.add("sha256", sha256);
+    line.add("size", size);
+    line.endObject();
 }
 
 std::optional<FileIdentity> FileIdentity::fromJson(const QJsonValue& value)
@@ -57,7 +67,8 @@ std::optional<FileIdentity> FileIdentity::fromJson(const QJsonValue& value)
     if (!value.isObject()) {
         return std::nullopt;
     }
-    return FileIdentity{static_cast<qint64>(value["size"].toDouble()), value["sha256"].toString()};
+    const double size = std::clamp(value["size"].toDouble(), 0.0, MOST_BYTES);
+    return FileIdentity{static_cast<qint64>(size), value["sha256"].toString()};
 }
 
 std::optional<FileIdentity> FileIdentity::of(const QString& path)
@@ -104,31 +115,35 @@ QString DocumentRecord::nameOf(Outcome outcome)
     return QLatin1String(OUTCOMES[static_cast<std::size_t>(outcome)]);
 }
 
+// In the order of the keys' names, by which reports have always stood.
 QByteArray DocumentRecord::toLine() const
 {
-    QJsonObject object = {{"format", FORMAT},
-                          {"path", path},
-                          {"outcome", nameOf(outcome)},
-                          {"losses", arrayOf(losses)},
-                          {"verified", isVerified},
-                          {"seconds", std::round(seconds * MILLISECONDS) / MILLISECONDS}};
-    if (!reason.isEmpty()) {
-        object.insert("reason", reason);
-        object.insert("text", text);
-    }
-    if (source) {
-        object.insert("source", source->toJson());
-    }
-    if (target) {
-        object.insert("target", target->toJson());
-    }
+    JsonLine line;
     if (earlier) {
-        object.insert("earlier", earlier->toJson());
+        earlier->addTo(line, "earlier");
+    }
+    line.add("format", FORMAT);
+    addLosses(losses, line);
+    line.add("outcome", nameOf(outcome));
+    line.add("path", path);
+    if (!reason.isEmpty()) {
+        line.add("reason", reason);
+    }
+    line.add("seconds", std::round(seconds * MILLISECONDS) / MILLISECONDS);
+    if (source) {
+        source->addTo(line, "source");
     }
     if (systems) {
-        object.insert("systems", ChangedSystem::toJson(*systems));
+        ChangedSystem::addTo(line, "systems", *systems);
     }
-    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    if (target) {
+        target->addTo(line, "target");
+    }
+    if (!reason.isEmpty()) {
+        line.add("text", text);
+    }
+    line.add("verified", isVerified);
+    return line.take();
 }
 
 std::optional<DocumentRecord> DocumentRecord::fromLine(const QByteArray& line)
@@ -149,11 +164,9 @@ std::optional<DocumentRecord> DocumentRecord::fromLine(const QByteArray& line)
     record.target = FileIdentity::fromJson(object["target"]);
     record.earlier = FileIdentity::fromJson(object["earlier"]);
     record.losses = lossesFrom(object["losses"].toArray());
-    if (object["systems"].isArray()) {
-        record.systems = ChangedSystem::fromJson(object["systems"].toArray());
-    }
+    record.systems = ChangedSystem::fromJson(object["systems"]);
     record.isVerified = object["verified"].toBool();
-    record.seconds = object["seconds"].toDouble();
+    record.seconds = std::clamp(object["seconds"].toDouble(), 0.0, MOST_SECONDS);
     return record;
 }
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-class QJsonObject;
+class JsonLine;
 class QJsonValue;
 
 /** A file's bytes, as far as telling one from another takes. */
@@ -20,7 +20,7 @@ struct FileIdentity
     /** @return none when the file cannot be read. */
     static std::optional<FileIdentity> of(const QString& path);
 
-    QJsonObject toJson() const;
+    void addTo(JsonLine& line, const char* key) const;
 
     /** @return none when the value is no object. */
     static std::optional<FileIdentity> fromJson(const QJsonValue& value);

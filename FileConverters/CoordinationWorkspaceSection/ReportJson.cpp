@@ -1,11 +1,8 @@
 #include "FileConverters/CoordinationWorkspaceSection/ReportJson.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/JsonLine.h"
 #include "FileConverters/CoordinationWorkspaceSection/Report.h"
 #include "FileConverters/CoordinationWorkspaceSection/Spacings.h"
-
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <boost/uuid/uuid_io.hpp>
 
@@ -13,36 +10,41 @@
 
 namespace {
 
-QByteArray lineOf(const QJsonObject& object)
-{
-    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
-}
+// Keys stand in the order of their names, as they have since the first report.
 
-QJsonObject reportWithStatus(int status)
+void addError(const ReadError& error, JsonLine& line)
 {
-    return {{"format", ReportJson::FORMAT}, {"status", status}};
-}
-
-QJsonObject errorObject(const ReadError& error)
-{
-    QJsonObject object = {{"kind", error.kind}, {"text", error.text}};
+    line.beginObject("error");
+    line.add("kind", error.kind);
     if (error.line > 0) {
-        object.insert("line", error.line);
+        line.add("line", error.line);
     }
-    return object;
+    line.add("text", error.text);
+    line.endObject();
 }
 
 template <typename Item>
-QJsonArray arrayOf(const std::vector<Item>& items)
+void addItems(const char* key, const std::vector<Item>& items, JsonLine& line)
 {
-    QJsonArray array;
+    line.beginArray(key);
     for (const Item& item : items) {
-        array.append(QJsonObject{{"kind", Item::nameOf(item.kind)},
-                                 {"line", item.place.line},
-                                 {"path", item.place.path},
-                                 {"text", item.text}});
+        line.beginObject();
+        line.add("kind", Item::nameOf(item.kind));
+        line.add("line", item.place.line);
+        line.add("path", item.place.path);
+        line.add("text", item.text);
+        line.endObject();
     }
-    return array;
+    line.endArray();
+}
+
+template <typename Value>
+void addChange(const char* key, const Value& before, const Value& after, JsonLine& line)
+{
+    line.beginObject(key);
+    line.add("after", after);
+    line.add("before", before);
+    line.endObject();
 }
 
 QString text(const std::string& field)
@@ -50,95 +52,118 @@ QString text(const std::string& field)
     return QString(field.c_str()); // fields are written up to their first NUL
 }
 
-QJsonObject systemObject(const InspectedSystem& system)
+void addSystem(const InspectedSystem& system, JsonLine& line)
 {
-    QJsonObject spacings;
+    line.beginObject();
+    line.add("band", text(system.key.band));
+    line.add("incl_group", text(system.key.inclGroup));
+    addChange("name", system.oldName, text(system.after.name), line);
+    line.add("profile_id", text(boost::uuids::to_string(system.after.id)));
+    line.add("series", text(system.key.series));
+    line.beginObject("spacings");
     for (const Spacing& spacing : SPACINGS_OF_SYSTEM) {
-        spacings.insert(QLatin1String(spacing.element),
-                        QJsonObject{{"before", system.before.*spacing.field},
-                                    {"after", system.after.*spacing.field}});
+        addChange(spacing.element, system.before.*spacing.field, system.after.*spacing.field, line);
     }
-    return {{"zone", text(system.key.zone)},
-            {"series", text(system.key.series)},
-            {"band", text(system.key.band)},
-            {"tx_profile", text(system.key.txProfile)},
-            {"incl_group", text(system.key.inclGroup)},
-            {"profile_id", text(boost::uuids::to_string(system.after.id))},
-            {"name", QJsonObject{{"before", system.oldName}, {"after", text(system.after.name)}}},
-            {"spacings", spacings}};
+    line.endObject();
+    line.add("tx_profile", text(system.key.txProfile));
+    line.add("zone", text(system.key.zone));
+    line.endObject();
 }
 
-QJsonArray systemArray(const std::vector<InspectedSystem>& systems)
+void addSystems(const std::vector<InspectedSystem>& systems, JsonLine& line)
 {
-    QJsonArray array;
+    line.beginArray("systems");
     for (const InspectedSystem& system : systems) {
-        array.append(systemObject(system));
+        addSystem(system, line);
     }
-    return array;
+    line.endArray();
 }
 
-QJsonValue sectionValue(const Inspection& inspection)
+void addSection(const Inspection& inspection, JsonLine& line)
 {
     if (!inspection.verdict) {
-        return QJsonValue::Null;
+        line.addNull("section");
+        return;
     }
     // In the order of the verdicts.
     constexpr std::array VERDICTS = {"invalid", "current", "convertible", "no-conversion",
                                      "too-new"};
-    const QJsonValue version =
-        inspection.version.isNull() ? QJsonValue::Null : QJsonValue(inspection.version);
-    return QJsonObject{
-        {"name", "coordinated_data_root"},
-        {"version", version},
-        {"verdict", QLatin1String(VERDICTS[static_cast<std::size_t>(*inspection.verdict)])}};
+    line.beginObject("section");
+    line.add("name", "coordinated_data_root");
+    line.add("verdict", VERDICTS[static_cast<std::size_t>(*inspection.verdict)]);
+    if (inspection.version.isNull()) {
+        line.addNull("version");
+    } else {
+        line.add("version", inspection.version);
+    }
+    line.endObject();
 }
 
-void insertInspection(const Inspection& inspection, QJsonObject& report)
+void addCounts(const Inspection& inspection, JsonLine& line)
+{
+    line.beginObject("counts");
+    line.add("channels", inspection.channels);
+    line.add("configurations", inspection.configurations);
+    line.add("profiles", inspection.profiles);
+    line.add("systems", static_cast<int>(inspection.systems.size()));
+    line.endObject();
+}
+
+QByteArray endWithStatus(JsonLine& line, int status)
+{
+    line.add("format", ReportJson::FORMAT);
+    line.add("status", status);
+    return line.take();
+}
+
+QByteArray lineOf(const QString& document, const Inspection& inspection, int status)
 {
     // In the order of the advices.
     constexpr std::array ADVICES = {"convert", "review",  "too-old",
                                     "current", "too-new", "impossible"};
-    report.insert("advice", QLatin1String(ADVICES[static_cast<std::size_t>(inspection.advice)]));
-    report.insert("section", sectionValue(inspection));
-    report.insert("counts", QJsonObject{{"channels", inspection.channels},
-                                        {"configurations", inspection.configurations},
-                                        {"profiles", inspection.profiles},
-                                        {"systems", static_cast<int>(inspection.systems.size())}});
-    report.insert("systems", systemArray(inspection.systems));
-    report.insert("losses", arrayOf(inspection.losses));
-    report.insert("notes", arrayOf(inspection.notes));
+    JsonLine line;
+    line.add("advice", ADVICES[static_cast<std::size_t>(inspection.advice)]);
+    addCounts(inspection, line);
+    line.add("document", document);
+    line.add("format", ReportJson::FORMAT);
+    addItems("losses", inspection.losses, line);
+    addItems("notes", inspection.notes, line);
+    addSection(inspection, line);
+    line.add("status", status);
+    addSystems(inspection.systems, line);
+    return line.take();
 }
 
 } // namespace
 
 QByteArray ReportJson::of(const DocumentReport& report)
 {
-    QJsonObject object = reportWithStatus(statusOf(report));
-    object.insert("document", report.document);
-    if (const auto* error = std::get_if<ReadError>(&report.result)) {
-        object.insert("error", errorObject(*error));
-    } else {
-        insertInspection(std::get<Inspection>(report.result), object);
+    const int status = statusOf(report);
+    if (const auto* inspection = std::get_if<Inspection>(&report.result)) {
+        return lineOf(report.document, *inspection, status);
     }
-    return lineOf(object);
+    JsonLine line;
+    line.add("document", report.document);
+    addError(std::get<ReadError>(report.result), line);
+    return endWithStatus(line, status);
 }
 
 QByteArray ReportJson::of(const VerificationReport& report)
 {
-    QJsonObject object = reportWithStatus(statusOf(report));
-    object.insert("before", report.before);
-    object.insert("after", report.after);
+    JsonLine line;
+    line.add("after", report.after);
+    line.add("before", report.before);
     if (const auto* error = std::get_if<ReadError>(&report.result)) {
-        object.insert("error", errorObject(*error));
+        addError(*error, line);
     } else {
-        object.insert("differences", arrayOf(std::get<Verification>(report.result).differences));
+        addItems("differences", std::get<Verification>(report.result).differences, line);
     }
-    return lineOf(object);
+    return endWithStatus(line, statusOf(report));
 }
 
 QByteArray ReportJson::ofUsageError(const QString& text)
 {
-    QJsonObject object = reportWithStatus(STATUS_USAGE);
-    object.insert("error", QJsonObject{{"kind", "usage"}, {"text", text}});
-    return lineOf(object);
+    JsonLine line;
+    addError({QStringLiteral("usage"), text}, line);
+    return endWithStatus(line, STATUS_USAGE);
 }

@@ -28,7 +28,9 @@ PROGRAMS = {
     "InspectMistakes": ("coordworkspace-inspect", CONVERTER),
     "InspectAgreement": ("coordworkspace-inspect", CONVERTER),
     **dict.fromkeys(ARCHIVE_PARTS, ("coordworkspace-convert-archive",)),
-    "ArchivePage": ("coordworkspace-convert-archive", "coordworkspace-inspect"),
+    **dict.fromkeys(
+        ("ArchivePage", "ArchiveMachines"), ("coordworkspace-convert-archive", "coordworkspace-inspect")
+    ),
 }
 
 
@@ -74,20 +76,22 @@ SUITES = (
         tuple(
             CONVERSION + name
             for name in ("*Inspection.cpp", "DocumentPlaces.cpp", "DocumentText.cpp", "DocumentTree.cpp",
-                         "ExpectedDocument.cpp", "Finding*.cpp", "Inspect*.cpp", "Report*.cpp",
-                         "TextLayout.cpp", "Verification.cpp", "inspect_main.cpp")
+                         "ExpectedDocument.cpp", "Finding*.cpp", "Inspect*.cpp", "JsonLine.cpp",
+                         "Report*.cpp", "TextLayout.cpp", "Verification.cpp", "inspect_main.cpp")
         ),
         ("InspectionTest", "FindingListTest", "DocumentTextTest", "DocumentPlacesTest",
-         "TextLayoutTest", "InspectCommandLineTest", "InspectProgram", "InspectMistakes",
+         "TextLayoutTest", "InspectCommandLineTest", "JsonLineTest", "InspectProgram", "InspectMistakes",
          "InspectAgreement"),
     ),
     Suite(
         "archive",
         (CONVERSION + "*.cpp",),
-        ARCHIVE_PARTS
-        + ("ArchivePage", "ArchiveLockTest", "ArchivePageTest", "ArchiveProgressTest",
-           "ArchiveScheduleTest", "ArchiveSettingsTest", "AtomicFileTest", "BoundedServerTest",
-           "DocumentJobTest", "DocumentRecordTest", "HtmlTextTest", "ProcessLimitsTest"),
+        ("ArchiveLockTest", "ArchivePageTest", "ArchiveParcelsTest", "ArchiveProgressTest",
+         "ArchiveScheduleTest", "ArchiveSettingsTest", "AtomicFileTest", "BoundedServerTest",
+         "DocumentBatchTest", "DocumentJobTest", "DocumentRecordTest", "HtmlTextTest",
+         "MachineRecordTest", "MachinesRoundTest", "ProcessLimitsTest")
+        + ARCHIVE_PARTS
+        + ("ArchivePage", "ArchiveMachines"),
     ),
 )  # fmt: skip
 

@@ -52,6 +52,7 @@ class Copyright(unittest.TestCase):
     def test_headers_that_are_compiled_in_are_told(self):
         self.assertIn("\nBoost.Uuid, whose headers are compiled in", COPYRIGHT)
         self.assertIn("Boost Software License - Version 1.0", COPYRIGHT)
+        self.assertIn("\nRapidJSON, whose headers are compiled in", COPYRIGHT)
 
     def test_no_other_file_claims_a_licence(self):
         shown = subprocess.run(

@@ -1,6 +1,5 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveSettings.h"
 
-#include <QJsonObject>
 #include <QtTest>
 
 class ArchiveSettingsTest : public QObject
@@ -60,12 +59,12 @@ void ArchiveSettingsTest::theyGoThroughJsonAndBack()
     settings.milliseconds = 1;
     settings.onlyClean = true;
     settings.verifies = true;
-    const ArchiveSettings read = ArchiveSettings::fromJson(settings.toJson());
+    const ArchiveSettings read = ArchiveSettings::fromLine(settings.toLine());
     QCOMPARE(read.source, settings.source);
     QCOMPARE(read.milliseconds, settings.milliseconds);
     QCOMPARE(read.memoryBytes, std::optional<qint64>());
     QVERIFY(read.isTrial());
-    QCOMPARE(read.toJson(), settings.toJson());
+    QCOMPARE(read.toLine(), settings.toLine());
 }
 
 QTEST_GUILESS_MAIN(ArchiveSettingsTest)

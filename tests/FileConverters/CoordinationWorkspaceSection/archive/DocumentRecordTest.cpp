@@ -16,6 +16,11 @@ private slots:
     void systemsGoThroughALineAndBack();
     void linesFromBeforeTheSystemsAreRead();
     void noSystemsIsNotTheSameAsNotToldOf();
+    void sizeIsOneThatAFileMayHave_data();
+    void sizeIsOneThatAFileMayHave();
+    void lineWithoutEndIsNoRecord();
+    void anyNumberOfSecondsMakesALine_data();
+    void anyNumberOfSecondsMakesALine();
 };
 
 namespace {
@@ -110,6 +115,62 @@ void DocumentRecordTest::noSystemsIsNotTheSameAsNotToldOf()
     const auto read = DocumentRecord::fromLine(told.toLine());
     QVERIFY(read->systems && read->systems->isEmpty());
     QVERIFY(!told.tellsTheSameAs(convertedRecord()));
+}
+
+void DocumentRecordTest::sizeIsOneThatAFileMayHave_data()
+{
+    QTest::addColumn<QByteArray>("told");
+    QTest::addColumn<qint64>("size");
+    QTest::newRow("none") << QByteArray("0") << qint64(0);
+    QTest::newRow("beyond 32 bits") << QByteArray("4294967296") << qint64(4294967296);
+    QTest::newRow("less than nothing") << QByteArray("-1") << qint64(0);
+    QTest::newRow("beyond any file") << QByteArray("1e300") << qint64(9007199254740992);
+    QTest::newRow("no number") << QByteArray("\"1\"") << qint64(0);
+}
+
+void DocumentRecordTest::sizeIsOneThatAFileMayHave()
+{
+    QFETCH(QByteArray, told);
+    const auto read = DocumentRecord::fromLine(
+        R"({"format":1,"outcome":"failed","path":"a.xml","source":{"sha256":"0f","size":)" + told +
+        "}}");
+    QVERIFY(read && read->source);
+    QTEST(read->source->size, "size");
+    QCOMPARE(read->source->sha256, QStringLiteral("0f"));
+}
+
+// Another machine may print anything.
+void DocumentRecordTest::lineWithoutEndIsNoRecord()
+{
+    QVERIFY(!DocumentRecord::fromLine(QByteArray(10'000'000, '[')));
+    QVERIFY(!DocumentRecord::fromLine(R"({"format":1,"outcome":"failed","path":"a.xml","losses":)" +
+                                      QByteArray(1'000'000, '[') + QByteArray(1'000'000, ']') +
+                                      "}"));
+}
+
+void DocumentRecordTest::anyNumberOfSecondsMakesALine_data()
+{
+    QTest::addColumn<QByteArray>("told");
+    QTest::addColumn<double>("seconds");
+    QTest::newRow("none") << QByteArray("0") << 0.0;
+    QTest::newRow("milliseconds") << QByteArray("0.034") << 0.034;
+    QTest::newRow("less than that") << QByteArray("0.0344") << 0.034;
+    QTest::newRow("an hour") << QByteArray("3600") << 3600.0;
+    QTest::newRow("more than can be multiplied") << QByteArray("1e308") << 1e9;
+    QTest::newRow("less than nothing") << QByteArray("-1e308") << 0.0;
+    QTest::newRow("no number") << QByteArray("\"1\"") << 0.0;
+}
+
+void DocumentRecordTest::anyNumberOfSecondsMakesALine()
+{
+    QFETCH(QByteArray, told);
+    QFETCH(double, seconds);
+    const auto read = DocumentRecord::fromLine(
+        R"({"format":1,"outcome":"failed","path":"a.xml","seconds":)" + told + "}");
+    QVERIFY(read);
+    const QJsonObject object = QJsonDocument::fromJson(read->toLine()).object();
+    QCOMPARE(object["path"].toString(), QStringLiteral("a.xml"));
+    QCOMPARE(object["seconds"], QJsonValue(seconds));
 }
 
 QTEST_GUILESS_MAIN(DocumentRecordTest)
