@@ -45,10 +45,10 @@ struct Inspection
     Findings notes;                       ///< what goes or stays by design; by line
 };
 
-/** Why a document could not be inspected. */
+/** Why a document could not be inspected, or a conversion not be verified. */
 struct ReadError
 {
-    QString kind; ///< "not-readable" or "not-well-formed"
+    QString kind; ///< "not-readable", "not-well-formed" or "not-convertible"
     QString text; ///< for people
     int line = 0; ///< where the parser stopped; 0 when it did not start
 };
