@@ -6,9 +6,6 @@
 
 namespace {
 
-constexpr double KHZ_PER_MHZ = 1000.0;
-constexpr double KHZ_PER_GHZ = 1000000.0;
-
 // What users read most: down to the kilohertz in megahertz, to the hertz in kilohertz.
 constexpr int DECIMALS = 3;
 
@@ -75,8 +72,8 @@ QString Frequency::asGhzString(bool withUnits, int precision) const
 
 QString Frequency::inFittingUnits() const
 {
-    return m_valueKhz < KHZ_PER_MHZ ? asKhzString(true, DECIMALS, false)
-                                    : asMhzString(true, DECIMALS);
+    return m_valueKhz < mhzToKhz(1.0) ? asKhzString(true, DECIMALS, false)
+                                      : asMhzString(true, DECIMALS);
 }
 
 QString Frequency::toString() const
@@ -123,7 +120,7 @@ QString Frequency::toString(int, int, bool withSuffix) const
     if (readsFindBest()) {
         return findBest();
     }
-    QString text = m_valueKhz < KHZ_PER_GHZ ? inFittingUnits() : asGhzString(true, DECIMALS);
+    QString text = m_valueKhz < ghzToKhz(1.0) ? inFittingUnits() : asGhzString(true, DECIMALS);
     if (withSuffix) {
         text.append(m_suffix);
     }

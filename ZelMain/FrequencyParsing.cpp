@@ -14,8 +14,6 @@ constexpr double STEPS_PER_KHZ = 100.0;
 constexpr double STEPS_PER_MHZ = 100000.0;
 constexpr double STEPS_PER_GHZ = 100000000.0;
 
-constexpr double KHZ_PER_MHZ = 1000.0;
-
 // A bare unit word has three characters; what is to be scrubbed has at least one more.
 constexpr int MIN_SCRUBBED_LENGTH = 4;
 
@@ -93,7 +91,7 @@ Frequency readGhz(const QStringRef& text, bool* ok)
     return Frequency::fromKhz(FrequencyRounding::toInt(steps) / STEPS_PER_KHZ);
 }
 
-/** A number in a unit that users type frequencies in; hertz is none of them. */
+// A number in a unit that users type frequencies in; hertz is none of them.
 Frequency readInUnits(const QStringRef& text, Frequency::FreqUnits units, bool* ok)
 {
     switch (units) {
@@ -108,8 +106,7 @@ Frequency readInUnits(const QStringRef& text, Frequency::FreqUnits units, bool* 
     }
 }
 
-/** Whether scrubbing has something to cut off: a bare unit word has nothing. Gigahertz is not cut.
- */
+// Whether scrubbing has something to cut off: a bare unit word has nothing. Gigahertz is not cut.
 bool isUnitWithTrail(const QStringRef& word)
 {
     return word.size() >= MIN_SCRUBBED_LENGTH &&
@@ -159,7 +156,7 @@ double Frequency::StringToMhz(const QString& text, const QLocale& locale)
     if (text.contains(locale.decimalPoint())) {
         return locale.toDouble(text);
     }
-    return locale.toInt(text) / KHZ_PER_MHZ;
+    return khzToMhz(locale.toInt(text));
 }
 
 QString Frequency::ScrubFreqString(const QString& text, bool* ok)

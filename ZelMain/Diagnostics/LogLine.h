@@ -44,7 +44,7 @@ private:
 
     TimeText m_commonTime;
     qint64 m_size = 0; // of the whole line, of which only what fits is kept
-    std::array<char, MAX_LOG_MSG_SIZE + 16> m_buffer{};
+    std::array<char, MAX_LOG_MSG_SIZE + 16> m_buffer{}; // with room for the mark of a cut line
 };
 
 } // namespace PkLogger

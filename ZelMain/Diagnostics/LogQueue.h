@@ -32,8 +32,6 @@ struct LogEntry
 class LogQueue
 {
 public:
-    static constexpr int SLOTS = 10000;
-
     /** Makes the slots; before that the queue counts as full. */
     void allocate() { m_ring.resize(SLOTS); }
 
@@ -59,6 +57,8 @@ public:
     void pop();
 
 private:
+    static constexpr int SLOTS = 10000;
+
     int next(int index) const;
     void wakeWriter();
 

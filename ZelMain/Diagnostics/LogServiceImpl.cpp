@@ -3,6 +3,7 @@
 #include "ZelMain/Diagnostics/ApplicationThread.h"
 #include "ZelMain/Diagnostics/LogServiceState.h"
 #include "ZelMain/Diagnostics/LoggerImpl.h"
+#include "ZelMain/Diagnostics/TimeText.h"
 
 #include <QDateTime>
 #include <QThread>
@@ -27,7 +28,7 @@ bool isLevel(LoggerDataLogInterface::LOGLEVEL level)
 } // namespace
 
 const QString LogServiceImpl::LOGGER_USER_ID = QStringLiteral("LOGGER");
-const QString LogServiceImpl::DEFAULT_TIME_FORMAT = QStringLiteral("dd MMM yyyy hh:mm:ss.zzz");
+const QString LogServiceImpl::DEFAULT_TIME_FORMAT = TimeText::defaultFormat();
 std::atomic<quint32> LogServiceImpl::m_levelMask{0};
 
 std::shared_ptr<LogSession> LogServiceImpl::State::currentSession()

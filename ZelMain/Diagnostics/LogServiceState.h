@@ -43,9 +43,8 @@ struct LogServiceImpl::State
     // Held for the whole of a start or a close, and taken before the lock.
     std::recursive_mutex startStop;
 
-    // Guarded by startStop.
-    std::unique_ptr<LoggerWriterThread> writer;
-    std::unique_ptr<LogFilesCleanupThread> cleanup;
+    std::unique_ptr<LoggerWriterThread> writer;     // changed under both, read under either
+    std::unique_ptr<LogFilesCleanupThread> cleanup; // guarded by startStop
 };
 
 /** A call of a thread that opens or closes devices: it has the devices to itself. */

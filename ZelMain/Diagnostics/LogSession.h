@@ -45,9 +45,10 @@ public:
 
     LogQueue queue;
     DeviceGate gate;
-    // Both lists have their room from the start: the writer reads them while they grow.
+    // Both have their room from the start, so nothing in them moves: the writer reads the users
+    // while they grow, and a device that it writes to may register another.
     std::vector<UserEntry> users;                   // grows under the service lock
-    std::vector<QSharedPointer<QIODevice>> devices; // grows under the lock and in the gate
+    std::vector<QSharedPointer<QIODevice>> devices; // grows in the gate
 
 private:
     bool waitForEntry();

@@ -2,11 +2,14 @@
 
 namespace PkLogger {
 
-const QString TimeText::DEFAULT_FORMAT = QStringLiteral("dd MMM yyyy hh:mm:ss.zzz");
+QString TimeText::defaultFormat()
+{
+    return QStringLiteral("dd MMM yyyy hh:mm:ss.zzz");
+}
 
 TimeText::TimeText(const QString& format)
-    : m_format(format.isEmpty() ? DEFAULT_FORMAT : format), m_showsMs(m_format.contains('z')),
-      m_endsInMs(m_format == DEFAULT_FORMAT)
+    : m_format(format.isEmpty() ? defaultFormat() : format), m_showsMs(m_format.contains('z')),
+      m_endsInMs(m_format == defaultFormat())
 {
 }
 

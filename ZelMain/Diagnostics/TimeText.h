@@ -14,7 +14,8 @@ namespace PkLogger {
 class TimeText
 {
 public:
-    static const QString DEFAULT_FORMAT;
+    /** "21 Nov 2026 10:21:45.123". No constant, since one of another source file is made of it. */
+    static QString defaultFormat();
 
     /** @param format  empty for the default one. */
     explicit TimeText(const QString& format = QString());
