@@ -2,6 +2,8 @@
 
 #include <QTextCodec>
 
+#include <vector>
+
 namespace {
 
 constexpr int MAX_CHANGES = 4;

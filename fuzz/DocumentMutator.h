@@ -6,7 +6,6 @@
 
 #include <functional>
 #include <random>
-#include <vector>
 
 /** What documents of one kind are made of. */
 struct Vocabulary

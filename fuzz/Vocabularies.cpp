@@ -2,6 +2,9 @@
 
 #include "fuzz/DocumentMutator.h"
 
+#include <utility>
+#include <vector>
+
 namespace {
 
 const QStringList NUMBERS = {

@@ -7,14 +7,11 @@
 
 #include "ZelMain/FrequencyCompatibility/shared/CompatKey.h"
 
-#include <QByteArray>
-#include <QList>
-
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <optional>
 #include <sstream>
+#include <string>
 #include <vector>
 
 using FuzzTarget::require;

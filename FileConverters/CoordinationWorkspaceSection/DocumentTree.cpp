@@ -7,8 +7,6 @@
 #include <QIODevice>
 #include <QTextStream>
 
-#include <utility>
-
 namespace {
 
 QMap<QString, QString> attributesOf(const QDomNode& node)
@@ -61,7 +59,7 @@ void DocumentTree::addAll(const QDomDocument& document)
         }
         m_nodes.push_back({dom, isInSettings, attributesOf(dom)});
 
-        QDomNode next = m_nodes.back().hasChildren() ? dom.firstChild() : QDomNode();
+        QDomNode next = m_nodes.back().mayHaveChildren() ? dom.firstChild() : QDomNode();
         parents.push_back(index);
         while (next.isNull() && !parents.empty()) {
             next = node(parents.back()).dom.nextSibling();

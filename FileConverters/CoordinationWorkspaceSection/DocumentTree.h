@@ -34,7 +34,7 @@ public:
         std::vector<int> children{};
         int content = 0;
 
-        bool hasChildren() const { return dom.isElement() || dom.isDocument(); }
+        bool mayHaveChildren() const { return dom.isElement() || dom.isDocument(); }
     };
 
     DocumentTree(const QDomDocument& document, Contents& contents);

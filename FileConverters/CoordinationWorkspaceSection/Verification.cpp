@@ -52,16 +52,15 @@ private:
 
     void comparePair(int expected, int actual)
     {
-        if (m_expected.node(expected).content == m_actual.node(actual).content) {
+        if (isSame(expected, actual)) {
             return;
         }
-        if (m_expected.node(expected).hasChildren()) {
+        if (m_expected.node(expected).mayHaveChildren()) {
             m_waiting.emplace_back(expected, actual);
             return;
         }
-        add(m_actual, actual,
-            QStringLiteral("%1 stands here instead of this: %2.")
-                .arg(m_actual.describe(actual), m_expected.describe(expected)));
+        add(actual, QStringLiteral("%1 stands here instead of this: %2.")
+                        .arg(m_actual.describe(actual), m_expected.describe(expected)));
     }
 
     void compareAttributes(const Node& expected, const Node& actual)
@@ -145,13 +144,12 @@ private:
 
     void addUnexpected(int actual)
     {
-        add(m_actual, actual,
-            QStringLiteral("%1 should not be there.").arg(m_actual.describe(actual)));
+        add(actual, QStringLiteral("%1 should not be there.").arg(m_actual.describe(actual)));
     }
 
-    void add(const DocumentTree& tree, int actual, const QString& text)
+    void add(int actual, const QString& text)
     {
-        m_found.push_back({kindOf(tree, actual), placeOf(actual), text});
+        m_found.push_back({kindOf(m_actual, actual), placeOf(actual), text});
     }
 
     void addAttribute(const Node& actual, const QString& name, const QString& text)

@@ -3,7 +3,6 @@
 #include "ZelMain/Diagnostics/LoggerImpl.h"
 #include "tests/ZelMain/Diagnostics/RecordingDevice.h"
 
-#include <QThread>
 #include <QtTest>
 
 #include <climits>

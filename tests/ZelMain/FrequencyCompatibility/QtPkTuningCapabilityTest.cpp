@@ -16,8 +16,6 @@
 #include <boost/uuid/string_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
 
-#include <algorithm>
-
 namespace {
 
 const QString ID = QStringLiteral("01234567-89ab-cdef-0123-456789abcdef");
