@@ -35,7 +35,7 @@ right; whole folders are converted in a run that may be stopped at any time.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libzelmain-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
-    "libboost-dev (>= 1.74), libtinyxml2-dev, qtbase5-dev (>= 5.15)")
+    "libboost-dev (>= ${ZEL_BOOST_VERSION}), libtinyxml2-dev, qtbase5-dev (>= ${ZEL_QT_VERSION})")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION
 "library for wireless-microphone frequency coordination
 ZelMain has frequencies with their text forms, the compatibility profiles
