@@ -1,5 +1,6 @@
 #include "ZelMain/ImportExport/XmlVersions.h"
 
+#include "tests/ZelMain/ImportExport/SectionElement.h"
 #include "tests/support/MessageRecorder.h"
 #include "tests/support/RunningLogService.h"
 
@@ -52,18 +53,6 @@ private slots:
 namespace {
 
 const QString IMPORT_EXPORT = QStringLiteral("IMPORT_EXPORT  ");
-
-/** An element with a "version" attribute, without one for a null text. */
-QDomElement sectionOf(const QString& element, const QString& version)
-{
-    // An element refers to its document as long as it lives.
-    static QDomDocument document;
-    QDomElement section = document.createElement(element);
-    if (!version.isNull()) {
-        section.setAttribute("version", version);
-    }
-    return section;
-}
 
 RecordedMessage warning(const QString& text)
 {

@@ -1,9 +1,9 @@
 #include "ZelMain/ImportExport/XmlVersions.h"
 
+#include "tests/ZelMain/ImportExport/SectionElement.h"
 #include "tests/support/MessageRecorder.h"
 
 #include <QDir>
-#include <QDomDocument>
 #include <QDomElement>
 #include <QFile>
 #include <QLocale>
@@ -82,18 +82,6 @@ const QVector<Section> SECTIONS = {
     {"band_plan_group_list", 1.0, 0.0},
     {"coordinated_data_root", 0.3, 0.1},
 };
-
-/** An element with a "version" attribute, without one for a null text. */
-QDomElement sectionOf(const QString& element, const QString& version)
-{
-    // An element refers to its document as long as it lives.
-    static QDomDocument document;
-    QDomElement section = document.createElement(element);
-    if (!version.isNull()) {
-        section.setAttribute("version", version);
-    }
-    return section;
-}
 
 /** The text that reads back as exactly this number. */
 QString exactText(double number)
