@@ -3,6 +3,9 @@
 #include <QByteArray>
 #include <QtTest>
 
+#include <algorithm>
+#include <iterator>
+#include <new>
 #include <type_traits>
 
 static_assert(std::is_constructible_v<CID, const unsigned char*>);
@@ -16,6 +19,7 @@ private slots:
     void defaultIsSixteenZeroBytes();
     void textIsReadByItsDigits_data();
     void textIsReadByItsDigits();
+    void surplusDigitsTouchNothingElse();
     void nullTextReadsAsEmpty();
     void everyByteIsPrinted();
     void printingEndsWithinTheBuffer();
@@ -86,6 +90,15 @@ void CIDTest::textIsReadByItsDigits()
 {
     QFETCH(QByteArray, text);
     QTEST(textOf(CID::StringToCID(text.constData())), "printed");
+}
+
+void CIDTest::surplusDigitsTouchNothingElse()
+{
+    alignas(CID) char memory[2 * sizeof(CID)];
+    std::fill(std::begin(memory), std::end(memory), '#');
+    const CID* const id = new (memory) CID(CID::StringToCID(QByteArray(100, 'F').constData()));
+    QCOMPARE(textOf(*id), QByteArray("FFFFFFFF-FFFF-FFFF-FFFF-FFFFFFFFFFFF"));
+    QCOMPARE(QByteArray(memory + sizeof(CID), sizeof(CID)), QByteArray(sizeof(CID), '#'));
 }
 
 void CIDTest::nullTextReadsAsEmpty()
