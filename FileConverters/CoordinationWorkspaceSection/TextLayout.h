@@ -12,7 +12,7 @@ int columnsOf(const QString& text);
 
 /**
  * The text without what would move a terminal's cursor or turn the direction of writing: control
- * and bidirectional formatting characters become U+FFFD.
+ * characters and the explicit directional formatting characters of UAX #9 become U+FFFD.
  */
 QString printable(const QString& text);
 

@@ -11,6 +11,7 @@ private slots:
     void columnsAreTheTerminals();
     void columnsOfATableStandUnderEachOther();
     void whatSteersATerminalIsReplaced();
+    void otherCharactersStay();
 };
 
 void TextLayoutTest::columnsAreTheTerminals_data()
@@ -48,8 +49,18 @@ void TextLayoutTest::whatSteersATerminalIsReplaced()
         QCOMPARE(TextLayout::printable(QStringLiteral("a%1é").arg(QChar(code))),
                  QString::fromUtf8("a\ufffdé"));
     }
-    QCOMPARE(TextLayout::printable(QStringLiteral("Große Bühne 森 →")),
-             QStringLiteral("Große Bühne 森 →"));
+}
+
+void TextLayoutTest::otherCharactersStay()
+{
+    const QString text = QStringLiteral("Große Bühne 森 →");
+    QCOMPARE(TextLayout::printable(text), text);
+    // Neighbours of what is replaced, and the marks that right-to-left writing cannot do without.
+    for (const int code :
+         {0x20, 0x7E, 0xA0, 0x061C, 0x200E, 0x200F, 0x2029, 0x202F, 0x2065, 0x206A}) {
+        const QString neighbour = QStringLiteral("a%1é").arg(QChar(code));
+        QCOMPARE(TextLayout::printable(neighbour), neighbour);
+    }
 }
 
 QTEST_GUILESS_MAIN(TextLayoutTest)
