@@ -27,7 +27,7 @@ QString valueOf(const QDomNode& node)
     }
     QString printed;
     QTextStream stream(&printed);
-    node.save(stream, 0);
+    stream << node;
     return printed;
 }
 
