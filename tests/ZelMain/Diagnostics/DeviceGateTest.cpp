@@ -1,11 +1,17 @@
 #include "ZelMain/Diagnostics/DeviceGate.h"
 
+#include "tests/support/WaitingCall.h"
+
 #include <QBuffer>
 #include <QtTest>
 
 #include <future>
+#include <memory>
+#include <vector>
 
 using namespace PkLogger;
+
+Q_DECLARE_METATYPE(PkLogger::DeviceGate::Visitor)
 
 namespace {
 
@@ -28,6 +34,8 @@ private slots:
     void oneThreadIsInside();
     void threadInsideMayEnterAgain();
     void sameVisitorMayComeTwiceWhenNobodyWaits();
+    void visitorsWhoWaitTakeTurns_data();
+    void visitorsWhoWaitTakeTurns();
     void visitEndsWithItsScope();
     void closedGateLetsNobodyIn();
     void whoWaitsIsTurnedAway_data();
@@ -65,6 +73,36 @@ void DeviceGateTest::sameVisitorMayComeTwiceWhenNobodyWaits()
         QVERIFY(gate.enter(visitor));
         gate.leave();
     }
+}
+
+void DeviceGateTest::visitorsWhoWaitTakeTurns_data()
+{
+    QTest::addColumn<DeviceGate::Visitor>("first");
+    QTest::addColumn<DeviceGate::Visitor>("other");
+    QTest::newRow("after the writer") << DeviceGate::Writer << DeviceGate::Call;
+    QTest::newRow("after a call") << DeviceGate::Call << DeviceGate::Writer;
+}
+
+void DeviceGateTest::visitorsWhoWaitTakeTurns()
+{
+    QFETCH(DeviceGate::Visitor, first);
+    QFETCH(DeviceGate::Visitor, other);
+    DeviceGate gate;
+    std::vector<DeviceGate::Visitor> visits; // written by who is inside
+    std::vector<std::unique_ptr<WaitingCall>> waiting;
+    QVERIFY(gate.enter(first));
+    for (const DeviceGate::Visitor visitor : {first, first, other, other}) {
+        waiting.push_back(std::make_unique<WaitingCall>([&gate, &visits, visitor] {
+            const GateVisit visit(gate, visitor);
+            visits.push_back(visitor);
+        }));
+        QVERIFY(waiting.back()->waitUntilAsleep());
+    }
+    gate.leave();
+    for (const auto& call : waiting) {
+        call->end();
+    }
+    QCOMPARE(visits, (std::vector<DeviceGate::Visitor>{other, first, other, first}));
 }
 
 void DeviceGateTest::visitEndsWithItsScope()
@@ -109,11 +147,15 @@ void DeviceGateTest::whoWaitsIsTurnedAway()
     QFETCH(bool, hasPatience);
     DeviceGate gate;
     QVERIFY(gate.enter(DeviceGate::Writer));
-    std::future<bool> waiting = std::async(std::launch::async, [&] {
-        return hasPatience ? gate.enterWithin(std::chrono::hours(1)) : gate.enter(DeviceGate::Call);
+    bool isInside = true;
+    WaitingCall waiting([&] {
+        isInside =
+            hasPatience ? gate.enterWithin(std::chrono::hours(1)) : gate.enter(DeviceGate::Call);
     });
+    QVERIFY(waiting.waitUntilAsleep());
     gate.close();
-    QVERIFY(!waiting.get());
+    waiting.end();
+    QVERIFY(!isInside);
     gate.leave();
 }
 
