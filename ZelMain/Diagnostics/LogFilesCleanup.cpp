@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QThread>
 
 #include <algorithm>
 #include <limits>
@@ -32,6 +33,9 @@ void removeLogFiles(const QString& folder, const QString& baseFileName, const QD
     const QFileInfoList entries =
         dir.entryInfoList(nameFilter, QDir::AllEntries, QDir::Name | QDir::IgnoreCase);
     for (const QFileInfo& entry : entries) {
+        if (QThread::currentThread()->isInterruptionRequested()) {
+            return;
+        }
         if (creationTime(entry) < cutOff) {
             dir.remove(entry.fileName());
         }

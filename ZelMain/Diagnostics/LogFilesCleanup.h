@@ -19,7 +19,10 @@ QDateTime cleanupCutOff(const QDateTime& now, unsigned int months);
 /** The birth of the file where the file system keeps it, else the last change of its status. */
 QDateTime creationTime(const QFileInfo& file);
 
-/** Removes the log files of @p folder that were created before @p cutOff. */
+/**
+ * Removes the log files of @p folder that were created before @p cutOff, or those that it comes to
+ * until the thread is asked for an interruption.
+ */
 void removeLogFiles(const QString& folder, const QString& baseFileName, const QDateTime& cutOff);
 
 } // namespace PkLogger

@@ -17,7 +17,7 @@ namespace PkLogger {
  *
  * Folder and base name are taken from FileOutDevConfig when the object is made, on that thread; the
  * pass uses these copies only. As with every QThread, wait() for a pass under way before the object
- * goes.
+ * goes. requestInterruption() ends the pass before its next file; terminate() has no effect on it.
  */
 class LogFilesCleanupThread : public QThread
 {

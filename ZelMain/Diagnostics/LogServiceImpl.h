@@ -85,9 +85,10 @@ public:
     /**
      * Writes what is queued, stops the threads, closes the devices, and forgets users and devices.
      *
-     * Waits up to 30 seconds for the writer and as long for the cleanup; what has not finished then
-     * is terminated and gets 3 seconds more. A service that is not started stays as it is, the
-     * devices registered so far included.
+     * Waits up to 30 seconds for the writer and as long for the cleanup. A writer that has not
+     * finished then is terminated, a cleanup is asked to stop before its next file; either gets 3
+     * seconds more and is left to itself after them. A service that is not started stays as it is,
+     * the devices registered so far included.
      */
     void closeLogger();
 
@@ -104,7 +105,7 @@ public:
 protected:
     /**
      * @param patience  how long closeLogger() waits for a thread to end.
-     * @param patienceAfterTermination  how long it waits for one that it had to terminate.
+     * @param patienceAfterTermination  how long it waits for one that it had to stop.
      */
     explicit LogServiceImpl(
         std::chrono::milliseconds patience = std::chrono::seconds(30),

@@ -206,11 +206,10 @@ const QIODevice* LogServiceImpl::stopWriter()
 void LogServiceImpl::stopCleanup()
 {
     LogFilesCleanupThread& cleanup = *m_state->cleanup;
-    if (waitFor(cleanup, m_state->patience)) { // at once when it is over
-        return;
+    if (!waitFor(cleanup, m_state->patience)) {
+        cleanup.requestInterruption(); // it does not let itself be terminated
     }
-    cleanup.terminate();
-    if (!waitFor(cleanup, m_state->patienceAfterTermination)) {
+    if (!waitFor(cleanup, m_state->patienceAfterTermination)) { // at once when it is over
         keepForGood(std::move(m_state->cleanup), nullptr);
     }
 }

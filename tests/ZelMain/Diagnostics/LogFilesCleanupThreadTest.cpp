@@ -1,6 +1,7 @@
 #include "ZelMain/Diagnostics/LogFilesCleanupThread.h"
 
 #include "ZelMain/Diagnostics/FileOutDevConfig.h"
+#include "tests/support/BlockedFolder.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -36,6 +37,8 @@ private slots:
     void makingItFindsTheLogFolder();
     void threadWithoutAFolderRemovesNothing();
     void passEndsByItselfAndMayBeRepeated();
+    void passIsNotBrokenOff();
+    void passThatIsAskedToStopRemovesNoMore();
     void threadBelongsToItsParent();
 };
 
@@ -148,6 +151,35 @@ void LogFilesCleanupThreadTest::passEndsByItselfAndMayBeRepeated()
     const QString old = makeFile(logFolder(), "ZelLogFile.txt");
     runOnce(thread);
     QVERIFY(!QFile::exists(old));
+}
+
+void LogFilesCleanupThreadTest::passIsNotBrokenOff()
+{
+    const QString old = makeFile(logFolder(), "ZelLogFile.txt");
+    LogFilesCleanupThread thread(0, nullptr);
+    BlockedFolder folder(logFolder());
+    thread.start();
+    QVERIFY(folder.waitUntilReached());
+    thread.terminate();
+    folder.release();
+    QVERIFY(thread.wait());
+    QVERIFY(!QFile::exists(old));
+}
+
+void LogFilesCleanupThreadTest::passThatIsAskedToStopRemovesNoMore()
+{
+    const QString old = makeFile(logFolder(), "ZelLogFile.txt");
+    LogFilesCleanupThread thread(0, nullptr);
+    {
+        BlockedFolder folder(logFolder());
+        thread.start();
+        QVERIFY(folder.waitUntilReached());
+        thread.requestInterruption();
+    }
+    QVERIFY(thread.wait());
+    QVERIFY(QFile::exists(old));
+    runOnce(thread);
+    QVERIFY(!QFile::exists(old)); // the next pass was not asked
 }
 
 void LogFilesCleanupThreadTest::threadBelongsToItsParent()

@@ -1,8 +1,11 @@
 #include "ZelMain/Diagnostics/LogServiceImpl.h"
 
+#include "ZelMain/Diagnostics/FileOutDevConfig.h"
 #include "ZelMain/Diagnostics/LoggerImpl.h"
 #include "tests/ZelMain/Diagnostics/RecordingDevice.h"
+#include "tests/support/BlockedFolder.h"
 #include "tests/support/FileSizeLimit.h"
+#include "tests/support/WaitingCall.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,6 +23,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using PkLogger::FileOutDevConfig;
 using PkLogger::LogService;
 using PkLogger::LogServiceImpl;
 using Level = PkLogger::LoggerDataLogInterface::LOGLEVEL;
@@ -36,6 +40,13 @@ class ImpatientService : public LogServiceImpl
 public:
     ImpatientService() : LogServiceImpl(200ms, 50ms) {}
     ~ImpatientService() override { closeLogger(); }
+};
+
+/** A service beside the program's own, which waits as long as that one. */
+class PatientService : public LogServiceImpl
+{
+public:
+    ~PatientService() override { closeLogger(); }
 };
 
 /** A device whose write, or open, waits for data from a pipe that nobody sends. */
@@ -65,6 +76,31 @@ protected:
 private:
     int m_ends[2] = {-1, -1};
     std::promise<void> m_isReached;
+};
+
+/** A device that does something with the service when it is written to or closed. */
+class ActingDevice : public RecordingDevice
+{
+public:
+    std::function<void()> whenWritten;
+    std::function<void()> whenClosed;
+
+    void close() override
+    {
+        if (whenClosed) {
+            std::exchange(whenClosed, nullptr)();
+        }
+        RecordingDevice::close();
+    }
+
+protected:
+    qint64 writeData(const char* data, qint64 size) override
+    {
+        if (whenWritten) {
+            std::exchange(whenWritten, nullptr)();
+        }
+        return RecordingDevice::writeData(data, size);
+    }
 };
 
 template <typename Device = RecordingDevice>
@@ -129,7 +165,11 @@ private slots:
     void closeGivesUpOnABlockedWrite();
     void closeGivesUpOnAWriteThatCannotBeCancelled();
     void closeGivesUpOnABlockedOpen();
+    void closeGivesUpOnABlockedCleanup();
+    void closeWaitsForACleanupThatEnds();
     void callThatWaitsIsReleasedWhenCloseGivesUp();
+    void userThatWasClosedIsNotSwitched();
+    void userOfALaterStartIsSwitchedAsItIs();
     void nextStartAfterATerminatedWriterBeginsEmpty();
 
     void deviceMayLogWhileItIsWrittenTo();
@@ -461,6 +501,35 @@ void LogServiceSafetyTest::closeGivesUpOnABlockedOpen()
     service.closeLogger();
 }
 
+void LogServiceSafetyTest::closeGivesUpOnABlockedCleanup()
+{
+    BlockedFolder folder(FileOutDevConfig({}).getFolderName());
+    {
+        ImpatientService service;
+        for (const std::size_t start : {1U, 2U}) {
+            service.initLogService({});
+            QVERIFY(folder.waitUntilReached(start)); // each start has a cleanup of its own
+            service.closeLogger();
+            QVERIFY(!service.isUserExists("LOGGER"));
+        }
+    }
+    folder.release(); // after the service has gone
+    QCOMPARE(folder.threadsAskedToStop(), 2);
+}
+
+void LogServiceSafetyTest::closeWaitsForACleanupThatEnds()
+{
+    BlockedFolder folder(FileOutDevConfig({}).getFolderName());
+    PatientService service;
+    service.initLogService({});
+    QVERIFY(folder.waitUntilReached());
+    WaitingCall close([&service] { service.closeLogger(); });
+    QVERIFY(close.waitUntilAsleep());
+    folder.release();
+    close.end();
+    QCOMPARE(folder.threadsAskedToStop(), 0);
+}
+
 void LogServiceSafetyTest::callThatWaitsIsReleasedWhenCloseGivesUp()
 {
     if (!canCancelThreads()) {
@@ -477,6 +546,48 @@ void LogServiceSafetyTest::callThatWaitsIsReleasedWhenCloseGivesUp()
     QVERIFY(comesToAnEnd(call));
     QVERIFY(!isSwitched); // or it came first, and then the close forgot it
     QVERIFY(!service.isLoggerEnabled());
+}
+
+/** The call waits behind another one, on which a close of the service gives up meanwhile. */
+void LogServiceSafetyTest::userThatWasClosedIsNotSwitched()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto blocked = QSharedPointer<RecordingDevice>::create();
+    service.getLoggerObject(USER, blocked, {}, {});
+    const auto device = addUser(service, "SWITCHED");
+    blocked->blockOpen();
+    WaitingCall open([&] { service.enableUserOutput(USER, true); });
+    QVERIFY(blocked->waitUntilBlocked());
+    WaitingCall call([&] { service.enableUserOutput("SWITCHED", true); });
+    QVERIFY(call.waitUntilAsleep());
+    service.closeLogger();
+    call.end();
+    QCOMPARE(device->openCount(), 1); // from before
+    blocked->unblockOpen();
+}
+
+/** As above, but the service is started again before the call comes to its turn. */
+void LogServiceSafetyTest::userOfALaterStartIsSwitchedAsItIs()
+{
+    ImpatientService service;
+    service.initLogService({});
+    const auto blocked = QSharedPointer<RecordingDevice>::create();
+    service.getLoggerObject(USER, blocked, {}, {});
+    const auto device = addUser<ActingDevice>(service, "SWITCHED");
+    blocked->blockOpen();
+    WaitingCall open([&] { service.enableUserOutput(USER, true); });
+    QVERIFY(blocked->waitUntilBlocked());
+    WaitingCall call([&] { service.enableUserOutput("SWITCHED", true); });
+    QVERIFY(call.waitUntilAsleep());
+    device->whenClosed = [&] {
+        service.initLogService({});
+        service.getLoggerObject("SWITCHED"); // without a device
+    };
+    service.closeLogger();
+    call.end();
+    QCOMPARE(service.getEnabledUserList(), QStringList{"SWITCHED"});
+    blocked->unblockOpen();
 }
 
 void LogServiceSafetyTest::nextStartAfterATerminatedWriterBeginsEmpty()
@@ -505,35 +616,6 @@ void LogServiceSafetyTest::nextStartAfterATerminatedWriterBeginsEmpty()
     QCOMPARE(next->lines().size(), 9999);
     QCOMPARE(next->lines().count("T new\n"), 9999);
 }
-
-namespace {
-
-/** A device that does something with the service when it is written to or closed. */
-class ActingDevice : public RecordingDevice
-{
-public:
-    std::function<void()> whenWritten;
-    std::function<void()> whenClosed;
-
-    void close() override
-    {
-        if (whenClosed) {
-            std::exchange(whenClosed, nullptr)();
-        }
-        RecordingDevice::close();
-    }
-
-protected:
-    qint64 writeData(const char* data, qint64 size) override
-    {
-        if (whenWritten) {
-            std::exchange(whenWritten, nullptr)();
-        }
-        return RecordingDevice::writeData(data, size);
-    }
-};
-
-} // namespace
 
 void LogServiceSafetyTest::deviceMayLogWhileItIsWrittenTo()
 {
@@ -609,11 +691,6 @@ void LogServiceSafetyTest::deviceMayCloseTheServiceWhileItIsWrittenTo()
 
 void LogServiceSafetyTest::serviceThatIsClosingTakesNoUsers()
 {
-    class PatientService : public LogServiceImpl
-    {
-    public:
-        ~PatientService() override { closeLogger(); }
-    };
     PatientService service;
     service.initLogService({});
     service.enableLogger(true);
