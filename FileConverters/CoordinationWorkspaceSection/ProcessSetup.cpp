@@ -13,6 +13,7 @@
 #ifdef Q_OS_UNIX
 #include <csignal>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #endif
@@ -55,6 +56,17 @@ void ProcessSetup::reportWriteFailuresAsErrors()
     std::signal(SIGXFSZ, SIG_IGN);
 }
 
+void ProcessSetup::keepClosedStreamsClosed()
+{
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) {
+            // The lowest free number is given, which is the stream's, and only for what nobody asks
+            // of it: reading of input and writing of output fail as they did.
+            open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
+
 bool ProcessSetup::isTerminal()
 {
     return isatty(STDOUT_FILENO) != 0;
@@ -70,6 +82,8 @@ bool ProcessSetup::isErrorTerminal()
 void ProcessSetup::raiseStackLimit() {}
 
 void ProcessSetup::reportWriteFailuresAsErrors() {}
+
+void ProcessSetup::keepClosedStreamsClosed() {}
 
 bool ProcessSetup::isTerminal()
 {

@@ -24,6 +24,13 @@ void raiseStackLimit();
 void reportWriteFailuresAsErrors();
 
 /**
+ * Keeps the places of standard streams that are closed: a file that is opened later would be given
+ * one of them, and get what goes to that stream, or lose its own to it. They still cannot be read
+ * or written. The caller must have opened nothing yet.
+ */
+void keepClosedStreamsClosed();
+
+/**
  * Has freed memory merged at once instead of kept in small pieces.
  *
  * The conversion frees about half of a document in one go. Small pieces kept apart are merged again

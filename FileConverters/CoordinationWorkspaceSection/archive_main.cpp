@@ -56,6 +56,7 @@ ArchiveStatus show(ArchiveCommandLine::Task task)
 
 int main(int argc, char** argv)
 {
+    ProcessSetup::keepClosedStreamsClosed();
     ProcessSetup::reportWriteFailuresAsErrors();
     ProcessSetup::shutOutTheEnvironment();
     StopSignals::watch();

@@ -31,6 +31,7 @@ int fail(const std::string& problem)
 
 int main(int argc, char** argv)
 {
+    ProcessSetup::keepClosedStreamsClosed();
     ProcessSetup::raiseStackLimit();
     ProcessSetup::reportWriteFailuresAsErrors();
     ProcessSetup::tuneAllocator();

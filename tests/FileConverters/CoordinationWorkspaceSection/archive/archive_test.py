@@ -1031,6 +1031,46 @@ class Streams(ArchiveTest):
         self.assertEqual(run.returncode, NOT_WRITTEN)
         self.assertEqual(set(self.archive.targets()), {"a.xml"})
 
+    def test_closed_streams(self):
+        self.note_streams()
+        for closed in ((0,), (1,), (2,), (0, 1, 2)):
+            for options, kept in (["--dry-run"], []), ([], ["a.xml"]):
+                with self.subTest(closed=closed, options=options):
+                    shutil.rmtree(self.archive.target, ignore_errors=True)
+                    run = self.archive.run(*options, preexec_fn=lambda: [os.close(stream)
+                                                                         for stream in closed])
+                    self.assertEqual(run.returncode, NOT_WRITTEN if 1 in closed else DONE)
+                    self.assertEqual(run.stdout.count(b"1 converted"), 0 if 1 in closed else 1)
+                    self.assertEqual(sorted(self.archive.targets()), kept)
+                    # No line was meant for a stream and went into a file.
+                    for file in (self.archive.target / REPORT).parent.glob("*"):
+                        self.assertEqual(file.read_bytes().count(b"\n"), file.suffix == ".jsonl")
+                    self.check_streams()
+
+    def test_a_worker_with_closed_streams(self):
+        self.note_streams()
+        worker = self.archive.program.parent / WORKER
+        real = worker.rename(worker.with_name("worker"))
+        worker.write_text(f"#!/bin/sh\nexec '{real}' \"$@\" <&- 2>&-\n")
+        worker.chmod(0o755)
+        for options in ["--dry-run"], []:
+            with self.subTest(options=options):
+                self.run_archive(DONE, *options)
+                self.check_streams()
+
+    def note_streams(self):
+        """Has the converter tell what its streams are. Little else is open while it is at work: a
+        document of this size has left no process behind that reads the next one."""
+        self.archive.add("a.xml", CLEAN.replace("Vocal", "V" * 70_000))
+        put_in_place(self, CONVERTER, "(cd /proc/$$/fd; echo \"$(readlink 0 1 2)\") "
+                                      f">'{self.folder}/streams'\n"
+                                      f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
+
+    def check_streams(self):
+        streams = self.folder / "streams"
+        self.assertRegex(streams.read_text(), r"\A/dev/null\n.*\.part\npipe:.*\n\Z")
+        streams.unlink()
+
     def test_without_parallel(self):
         self.archive.add("a.xml", CLEAN)
         run = self.run_archive(UNAVAILABLE, env={"PATH": "/nowhere"})
