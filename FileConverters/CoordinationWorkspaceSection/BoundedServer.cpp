@@ -1,5 +1,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/BoundedServer.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/Pipe.h"
 #include "FileConverters/CoordinationWorkspaceSection/ProcessLimits.h"
 #include "FileConverters/CoordinationWorkspaceSection/StableStorage.h"
 
@@ -10,8 +11,8 @@
 #include <csignal>
 #include <cstring>
 #include <system_error>
+#include <utility>
 
-#include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -24,11 +25,6 @@ struct Header
     qint64 memoryBytes = 0; // that the answer may take
     int size = 0;
 };
-
-[[noreturn]] void throwSystemError(const char* what)
-{
-    throw std::system_error(errno, std::generic_category(), what);
-}
 
 bool send(int descriptor, const Header& header, const QByteArray& bytes)
 {
@@ -76,7 +72,8 @@ std::optional<QByteArray> BoundedServer::ask(const QByteArray& request, const Pr
     const QDeadlineTimer deadline = limits.deadline();
     Header header{limits.memoryBytes, request.size()};
     QByteArray answer;
-    if (send(m_requests, header, request) && receive(m_answers, header, answer, deadline)) {
+    if (send(m_requests.number(), header, request) &&
+        receive(m_answers.number(), header, answer, deadline)) {
         return answer;
     }
     end();
@@ -85,24 +82,20 @@ std::optional<QByteArray> BoundedServer::ask(const QByteArray& request, const Pr
 
 void BoundedServer::begin()
 {
-    std::array<int, 2> requests{};
-    std::array<int, 2> answers{};
-    if (pipe2(requests.data(), O_CLOEXEC) != 0 || pipe2(answers.data(), O_CLOEXEC) != 0) {
-        throwSystemError("pipe");
+    Pipe requests;
+    Pipe answers;
+    const pid_t process = fork();
+    if (process < 0) {
+        throw std::system_error(errno, std::generic_category(), "fork");
     }
-    m_process = fork();
-    if (m_process < 0) {
-        throwSystemError("fork");
+    if (process == 0) {
+        requests.writeEnd.close();
+        answers.readEnd.close();
+        serve(requests.readEnd.number(), answers.writeEnd.number());
     }
-    if (m_process == 0) {
-        close(requests[1]);
-        close(answers[0]);
-        serve(requests[0], answers[1]);
-    }
-    close(requests[0]);
-    close(answers[1]);
-    m_requests = requests[1];
-    m_answers = answers[0];
+    m_process = process;
+    m_requests = std::move(requests.writeEnd);
+    m_answers = std::move(answers.readEnd);
 }
 
 void BoundedServer::serve(int requests, int answers) const
@@ -131,8 +124,8 @@ void BoundedServer::end()
     if (m_process == 0) {
         return;
     }
-    close(m_requests);
-    close(m_answers);
+    m_requests.close();
+    m_answers.close();
     kill(m_process, SIGKILL);
     while (waitpid(m_process, nullptr, 0) < 0 && errno == EINTR) {
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FileConverters/CoordinationWorkspaceSection/Descriptor.h"
+
 #include <QByteArray>
 
 #include <functional>
@@ -45,6 +47,6 @@ private:
 
     const Work m_work;
     pid_t m_process = 0; // 0 when there is none
-    int m_requests = -1;
-    int m_answers = -1;
+    Descriptor m_requests;
+    Descriptor m_answers;
 };

@@ -1,11 +1,12 @@
 #include "FileConverters/CoordinationWorkspaceSection/ConverterProcess.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/Pipe.h"
+
 #include <QFile>
 
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <system_error>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -112,17 +113,18 @@ ConverterProcess::Outcome ConverterProcess::convert(const QString& converter,
     QByteArray program = QFile::encodeName(converter);
     QByteArray argument = QFile::encodeName(document);
     const QByteArray target = QFile::encodeName(output);
-    std::array<int, 2> errors{};
-    if (pipe2(errors.data(), O_CLOEXEC) != 0) {
-        throw std::system_error(errno, std::generic_category(), "pipe");
-    }
-    Start start{
-        {program.data(), argument.data(), nullptr}, target.constData(), errors[1], limits, 0};
+    Pipe errors;
+    Start start{{program.data(), argument.data(), nullptr},
+                target.constData(),
+                errors.writeEnd.number(),
+                limits,
+                0};
     const pid_t process = begin(start);
-    close(errors[1]);
+    errors.writeEnd.close();
     QByteArray said;
-    const bool isInTime = start.error != 0 || readToEnd(errors[0], limits.deadline(), said);
-    close(errors[0]);
+    const bool isInTime =
+        start.error != 0 || readToEnd(errors.readEnd.number(), limits.deadline(), said);
+    errors.readEnd.close();
     if (!isInTime) {
         kill(process, SIGKILL);
     }

@@ -1,12 +1,14 @@
 #include "FileConverters/CoordinationWorkspaceSection/BoundedServer.h"
 #include "FileConverters/CoordinationWorkspaceSection/ProcessLimits.h"
 
+#include <QDir>
 #include <QtTest>
 
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 #include <system_error>
+#include <vector>
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -46,6 +48,24 @@ QByteArray work(const QByteArray& request)
     return "answer to " + request;
 }
 
+// The numbers that the system gives next.
+std::vector<int> freeDescriptors(int count)
+{
+    std::vector<int> numbers;
+    while (static_cast<int>(numbers.size()) < count) {
+        numbers.push_back(dup(STDERR_FILENO));
+    }
+    for (const int number : numbers) {
+        close(number);
+    }
+    return numbers;
+}
+
+int openDescriptors()
+{
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries).size();
+}
+
 } // namespace
 
 class BoundedServerTest : public QObject
@@ -60,6 +80,7 @@ private slots:
     void whatBreaksOffCostsOnlyItself();
     void eachRequestHasALimitOnMemoryOfItsOwn();
     void itMayBeEndedAtAnyTime();
+    void withoutDescriptorsItCannotBegin_data();
     void withoutDescriptorsItCannotBegin();
 };
 
@@ -134,20 +155,33 @@ void BoundedServerTest::itMayBeEndedAtAnyTime()
     QCOMPARE(*server.ask("b", {}), QByteArray("answer to b"));
 }
 
+void BoundedServerTest::withoutDescriptorsItCannotBegin_data()
+{
+    QTest::addColumn<int>("left");
+    QTest::newRow("none for the first pipe") << 0;
+    QTest::newRow("one for the first pipe") << 1;
+    QTest::newRow("none for the second pipe") << 2;
+    QTest::newRow("one for the second pipe") << 3;
+}
+
 void BoundedServerTest::withoutDescriptorsItCannotBegin()
 {
     if (IS_SANITIZED) {
         QSKIP("a sanitizer looks at memory through descriptors");
     }
+    QFETCH(int, left);
+    const rlim_t beyond = freeDescriptors(left + 1).back();
+    const int open = openDescriptors();
     rlimit before{};
     getrlimit(RLIMIT_NOFILE, &before);
-    const rlimit none{0, before.rlim_max};
+    const rlimit few{beyond, before.rlim_max};
     BoundedServer server(work);
 
-    setrlimit(RLIMIT_NOFILE, &none);
+    setrlimit(RLIMIT_NOFILE, &few);
     QVERIFY_EXCEPTION_THROWN(server.ask("b", {}), std::system_error);
     setrlimit(RLIMIT_NOFILE, &before);
 
+    QCOMPARE(openDescriptors(), open);
     QCOMPARE(*server.ask("b", {}), QByteArray("answer to b"));
 }
 
