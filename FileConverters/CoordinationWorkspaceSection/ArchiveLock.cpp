@@ -5,7 +5,6 @@
 #include <cerrno>
 
 #include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
@@ -14,10 +13,9 @@ constexpr mode_t NEW_FILE_MODE = 0666; // less the user's mask
 } // namespace
 
 ArchiveLock::ArchiveLock(const QString& file, Kind kind)
-    : m_descriptor(
-          open(QFile::encodeName(file).constData(), O_RDWR | O_CREAT | O_CLOEXEC, NEW_FILE_MODE))
+    : m_file(open(QFile::encodeName(file).constData(), O_RDWR | O_CREAT | O_CLOEXEC, NEW_FILE_MODE))
 {
-    if (m_descriptor < 0) {
+    if (!m_file.isOpen()) {
         return;
     }
     struct flock lock
@@ -25,16 +23,9 @@ ArchiveLock::ArchiveLock(const QString& file, Kind kind)
     };
     lock.l_type = kind == ALONE ? F_WRLCK : F_RDLCK;
     lock.l_whence = SEEK_SET; // and no length: the whole file
-    if (fcntl(m_descriptor, F_SETLK, &lock) == 0) {
+    if (fcntl(m_file.number(), F_SETLK, &lock) == 0) {
         m_state = HELD;
     } else if (errno == EACCES || errno == EAGAIN) {
         m_state = BUSY;
-    }
-}
-
-ArchiveLock::~ArchiveLock()
-{
-    if (m_descriptor >= 0) {
-        close(m_descriptor);
     }
 }

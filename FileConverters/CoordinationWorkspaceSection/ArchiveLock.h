@@ -1,5 +1,7 @@
 #pragma once
 
+#include "FileConverters/CoordinationWorkspaceSection/Descriptor.h"
+
 #include <QString>
 
 /**
@@ -20,13 +22,12 @@ public:
 
     /** Does not wait. @param file  made when there is none, and left behind. */
     ArchiveLock(const QString& file, Kind kind);
-    ~ArchiveLock();
     ArchiveLock(const ArchiveLock&) = delete;
     ArchiveLock& operator=(const ArchiveLock&) = delete;
 
     State state() const { return m_state; }
 
 private:
-    int m_descriptor;
+    Descriptor m_file;
     State m_state = FAILED;
 };

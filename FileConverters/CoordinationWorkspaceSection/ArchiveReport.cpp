@@ -1,6 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveReport.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/AtomicFile.h"
+#include "FileConverters/CoordinationWorkspaceSection/Descriptor.h"
 #include "FileConverters/CoordinationWorkspaceSection/StableStorage.h"
 
 #include <QFile>
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -68,24 +68,20 @@ bool ArchiveReport::append(const QString& file, const std::vector<DocumentRecord
     for (const DocumentRecord& record : records) {
         lines += record.toLine();
     }
-    const int descriptor = open(QFile::encodeName(file).constData(),
-                                O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, NEW_FILE_MODE);
-    if (descriptor < 0) {
+    const Descriptor report(open(QFile::encodeName(file).constData(),
+                                 O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, NEW_FILE_MODE));
+    if (!report.isOpen()) {
         return false;
     }
     // Its own lock, which goes with the descriptor: lines of two workers must not mix.
-    flock(descriptor, LOCK_EX);
-    const bool isNew = lseek(descriptor, 0, SEEK_END) == 0;
-    if (endsInsideALine(descriptor)) {
+    flock(report.number(), LOCK_EX);
+    const bool isNew = lseek(report.number(), 0, SEEK_END) == 0;
+    if (endsInsideALine(report.number())) {
         lines.prepend('\n');
     }
-    const bool isWritten = StableStorage::writeAll(descriptor, lines) &&
-                           StableStorage::syncFile(descriptor) &&
-                           (!isNew || StableStorage::syncFolder(QFileInfo(file).absolutePath()));
-    const int error = errno;
-    close(descriptor);
-    errno = error;
-    return isWritten;
+    return StableStorage::writeAll(report.number(), lines) &&
+           StableStorage::syncFile(report.number()) &&
+           (!isNew || StableStorage::syncFolder(QFileInfo(file).absolutePath()));
 }
 
 bool ArchiveReport::replace(const QString& file, const Records& records)

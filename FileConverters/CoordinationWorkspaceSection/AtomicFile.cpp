@@ -1,5 +1,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/AtomicFile.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/Descriptor.h"
 #include "FileConverters/CoordinationWorkspaceSection/StableStorage.h"
 
 #include <QFile>
@@ -31,15 +32,8 @@ mode_t userMask()
 template <class Action>
 bool withFile(const QString& path, const Action& action)
 {
-    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return false;
-    }
-    const bool isDone = action(descriptor);
-    const int error = errno;
-    close(descriptor);
-    errno = error;
-    return isDone;
+    const Descriptor file(open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC));
+    return file.isOpen() && action(file.number());
 }
 
 bool renameUnlessItExists(const QByteArray& from, const QByteArray& to)
@@ -73,11 +67,10 @@ std::unique_ptr<AtomicFile> AtomicFile::begin(const QString& folder, const QStri
     // The document's name is not in it: with anything added it could be too long for a name.
     QByteArray path =
         QFile::encodeName(folder + QLatin1Char('/') + PART_BEGIN + "XXXXXX" + PART_END);
-    const int descriptor = mkostemps(path.data(), PART_END.size(), O_CLOEXEC);
-    if (descriptor < 0) {
+    const Descriptor file(mkostemps(path.data(), PART_END.size(), O_CLOEXEC));
+    if (!file.isOpen()) {
         return nullptr;
     }
-    close(descriptor);
     // The constructor is private, out of std::make_unique's reach.
     return std::unique_ptr<AtomicFile>(new AtomicFile(folder, name, QFile::decodeName(path)));
 }
@@ -85,13 +78,12 @@ std::unique_ptr<AtomicFile> AtomicFile::begin(const QString& folder, const QStri
 std::unique_ptr<AtomicFile> AtomicFile::beginAlone(const QString& folder, const QString& name)
 {
     const QString path = folder + QLatin1Char('/') + PART_BEGIN + name + PART_END;
-    const int descriptor =
-        open(QFile::encodeName(path).constData(),
-             O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, PRIVATE_FILE_MODE);
-    if (descriptor < 0) {
+    const Descriptor file(open(QFile::encodeName(path).constData(),
+                               O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC,
+                               PRIVATE_FILE_MODE));
+    if (!file.isOpen()) {
         return nullptr;
     }
-    close(descriptor);
     return std::unique_ptr<AtomicFile>(new AtomicFile(folder, name, path));
 }
 

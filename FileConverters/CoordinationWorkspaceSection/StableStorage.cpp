@@ -1,5 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/StableStorage.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/Descriptor.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -22,16 +24,9 @@ bool StableStorage::syncFile(int descriptor)
 
 bool StableStorage::syncFolder(const QString& folder)
 {
-    const int descriptor =
-        open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return false;
-    }
-    const bool isSynced = fsync(descriptor) == 0;
-    const int error = errno;
-    close(descriptor);
-    errno = error;
-    return isSynced;
+    const Descriptor opened(
+        open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return opened.isOpen() && syncFile(opened.number());
 }
 
 bool StableStorage::syncFolders(const QString& folder, const QString& top)
