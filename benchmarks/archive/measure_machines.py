@@ -29,10 +29,10 @@ import time
 from measure import CORES, PROJECT, SMALL_SYSTEMS, archive_run, make_archive, medians
 
 sys.path.insert(0, str(PROJECT / "tests/FileConverters/CoordinationWorkspaceSection/archive"))
+import archives  # noqa: E402
 import machines  # noqa: E402
 
-PROGRAMS = ("coordworkspace-convert-archive", "CoordWorkSpaceSectionConverter0_3")
-WORKER = "../libexec/coordworkspace/coordworkspace-archive-worker"
+PROGRAMS = (archives.PROGRAM, archives.CONVERTER)
 LOGINS_A_PARCEL = 5
 LOGINS = 20
 PARCEL = 800  # documents of 10 kB in 8 MB
@@ -59,7 +59,7 @@ def put_worker_that_makes_nothing(folder, programs, source):
     """Programs of which the worker hands back one output, made here, for every document."""
     copies = folder / "programs/bin"
     copies.mkdir(parents=True)
-    worker = copies / WORKER
+    worker = copies / archives.worker_of(programs)
     made = worker.parent / "made"
     made.mkdir(parents=True)
     for program in PROGRAMS:

@@ -5,30 +5,19 @@
 """
 
 import json
-import os
 import pathlib
 import re
 import resource
-import shutil
 import signal
 import subprocess
-import sys
-import tempfile
 import unittest
 
-import jsonschema
 import lxml.etree
 import lxml.html
 
-from archives import BROKEN, CLEAN, LOSSY, NEWER, REPORT, STRANGER, Archive, contents
-
-PROGRAM = "coordworkspace-convert-archive"
-PROGRAMS = pathlib.Path()
-PROJECT = pathlib.Path()
-IS_SANITIZED = False
-
-NOBODY = 65534
-DONE, REFUSED, FAILED, USAGE, UNAVAILABLE, NOT_WRITTEN = 0, 3, 5, 64, 69, 74
+from archive_case import (DONE, FAILED, NOT_WRITTEN, PROGRAMS, REFUSED, UNAVAILABLE, UNDER_STRACE,
+                          USAGE, ArchiveTest)
+from archives import CLEAN, LOSSY, NEWER, REPORT, contents
 
 HOSTILE = "</script><img src=x onerror=alert(1)>\"'&amp;"
 
@@ -59,36 +48,21 @@ class Page:
         return {name: rest for name, *rest in cells}
 
 
-class PageTest(unittest.TestCase):
-    maxDiff = None
-
+class PageTest(ArchiveTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-        self.archive = Archive(self.folder, PROGRAMS / PROGRAM,
-                               ["--memory=none"] if IS_SANITIZED else [])
+        super().setUp()
         self.file = self.folder / "page.html"
 
     def run_archive(self, status, *options, **more):
-        run = self.archive.run(f"--html={self.file}", *options, **more)
-        self.assertEqual(run.returncode, status, (run.stdout, run.stderr))
-        return run
+        return super().run_archive(status, f"--html={self.file}", *options, **more)
 
     def everything(self):
         return contents(self.folder), sorted(str(path) for path in self.folder.rglob("*"))
 
 
 class Contents(PageTest):
-    def add_every_kind(self):
-        for path, document in {
-            "clean.xml": CLEAN, "2019/lossy.xml": LOSSY, "newer.xml": NEWER, "broken.xml": BROKEN,
-            "stranger.xml": STRANGER,
-        }.items():
-            self.archive.add(path, document)
-
-    OUTCOMES = {"clean.xml": "converted", "2019/lossy.xml": "lossy", "newer.xml": "refused",
-                "broken.xml": "failed", "stranger.xml": "no document"}  # fmt: skip
+    OUTCOMES = {path: "no document" if reason == "no-workspace" else outcome
+                for path, (outcome, reason) in ArchiveTest.EVERY_OUTCOME.items()}
 
     def test_it_tells_what_the_report_tells(self):
         self.add_every_kind()
@@ -167,13 +141,11 @@ class Contents(PageTest):
         self.archive.add("b.xml", LOSSY)
         self.run_archive(DONE)
         report = self.archive.target / REPORT
-        schema = jsonschema.Draft202012Validator(
-            json.loads((PROJECT / "docs/schemas/archive-report.schema.json").read_text()))
         old = []
         for line in self.archive.lines():
-            schema.validate(line)
+            self.schema.validate(line)
             self.assertTrue(line.pop("systems"))
-            schema.validate(line)
+            self.schema.validate(line)
             old.append(json.dumps(line, separators=(",", ":")) + "\n")
         report.write_text("".join(old))
         run = self.run_archive(DONE)
@@ -293,20 +265,14 @@ class Failures(PageTest):
                          {"source", "target", "page.html"})
 
     def test_a_folder_that_takes_nothing_is_told_before_the_work(self):
-        more = {}
-        if os.geteuid() == 0:
-            programs = self.folder / "everybodys/bin"
-            for folder in ("bin", "libexec"):
-                shutil.copytree(PROGRAMS.parent / folder, programs.parent / folder)
-            self.archive.program = programs / PROGRAM
-            more = {"user": NOBODY, "group": NOBODY, "extra_groups": []}
-            os.chown(self.folder, NOBODY, NOBODY)
+        user = self.as_another_user()
         self.archive.add("a.xml", CLEAN)
         closed = self.folder / "closed"
         closed.mkdir(mode=0o555)
+        self.give_away()
         self.file = closed / "page.html"
         before = self.everything()
-        run = self.run_archive(NOT_WRITTEN, **more)
+        run = self.run_archive(NOT_WRITTEN, **user)
         self.assertIn(b"page.html cannot be written: Permission denied", run.stderr)
         self.assertEqual((run.stdout, self.everything()), (b"", before))
 
@@ -323,7 +289,7 @@ class Failures(PageTest):
         run = subprocess.run(
             ["strace", "-o", "/dev/null", "-e", "inject=rename:signal=KILL:when=1",
              *self.archive.arguments(f"--html={self.file}")],
-            capture_output=True, timeout=120, env={**os.environ, "ASAN_OPTIONS": "detect_leaks=0"})
+            capture_output=True, timeout=120, env=UNDER_STRACE)
         self.assertEqual(run.returncode, -signal.SIGKILL, run.stderr)
         self.assertEqual(self.file.read_bytes(), before)
         self.run_archive(DONE)
@@ -331,9 +297,4 @@ class Failures(PageTest):
 
 
 if __name__ == "__main__":
-    PROGRAMS = pathlib.Path(sys.argv.pop(1)).absolute()
-    PROJECT = pathlib.Path(sys.argv.pop(1))
-    if "--sanitized" in sys.argv:
-        sys.argv.remove("--sanitized")
-        IS_SANITIZED = True
     unittest.main()

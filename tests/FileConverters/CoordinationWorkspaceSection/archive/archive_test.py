@@ -16,40 +16,14 @@ import shutil
 import signal
 import stat
 import subprocess
-import sys
 import tempfile
-import time
 import unittest
 
-import jsonschema
-
-from archives import (BROKEN, CLEAN, LOSSY, NEWER, NO_UUID, OLD, REPORT, SEVERAL, STRANGER,
-                      Archive, bomb, contents, is_locked)
-
-PROGRAM = "coordworkspace-convert-archive"
-WORKER = "../libexec/coordworkspace/coordworkspace-archive-worker"
-CONVERTER = "CoordWorkSpaceSectionConverter0_3"
-
-PROGRAMS = pathlib.Path()
-PROJECT = pathlib.Path()
-IS_SANITIZED = False
-
-NOBODY = 65534
-# A sanitizer cannot look for leaks in a process that is traced.
-UNDER_STRACE = {**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}
-
-# The numbers are those of the man page.
-DONE, IS_LOSSY, REFUSED, LIMIT, FAILED = 0, 2, 3, 4, 5
-USAGE, UNAVAILABLE, NOT_WRITTEN, BUSY, STOPPED = 64, 69, 74, 75, 130
-
-
-def converted(document):
-    """What the converter makes of it."""
-    with tempfile.NamedTemporaryFile(suffix=".xml") as file:
-        file.write(document if isinstance(document, bytes) else document.encode())
-        file.flush()
-        return subprocess.run([PROGRAMS / CONVERTER, file.name],
-                              capture_output=True, check=True, timeout=60).stdout
+from archive_case import (BUSY, CONVERTER, DONE, FAILED, IS_LOSSY, IS_SANITIZED, LIMIT,
+                          NOT_WRITTEN, PROGRAM, PROGRAMS, PROJECT, REFUSED, STOPPED, UNAVAILABLE,
+                          UNDER_STRACE, USAGE, WORKER, ArchiveTest, converted, wait_until)
+from archives import (BROKEN, CLEAN, LOSSY, NEWER, OLD, REPORT, STRANGER, Archive, bomb, contents,
+                      is_locked)
 
 
 def sha256(data):
@@ -62,24 +36,12 @@ def written(file):
     return status.st_ino, status.st_mtime_ns, status.st_ctime_ns
 
 
-def put_in_place(test, name, script):
-    """Has the archive program run a script in the place of one of the programs that it runs."""
-    programs = test.folder / "programs/bin"
-    programs.mkdir(parents=True)
-    (programs / WORKER).parent.mkdir(parents=True)
-    for other in {PROGRAM, WORKER, CONVERTER} - {name}:
-        shutil.copy(PROGRAMS / other, programs / other)
-    (programs / name).write_text(f"#!/bin/sh\n{script}\n")
-    (programs / name).chmod(0o755)
-    test.archive.program = programs / PROGRAM
-
-
 def slow_programs(test):
     """Programs whose converter waits until the file "go" is there."""
-    put_in_place(test, CONVERTER,
-                 f"echo $$ >> '{test.folder}/started'\n"
-                 f"until [ -e '{test.folder}/go' ]; do sleep 0.05; done\n"
-                 f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
+    test.put_in_place(CONVERTER,
+                      f"echo $$ >> '{test.folder}/started'\n"
+                      f"until [ -e '{test.folder}/go' ]; do sleep 0.05; done\n"
+                      f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
 
 
 def start_slowly(test, **more):
@@ -90,67 +52,10 @@ def start_slowly(test, **more):
     return run
 
 
-def wait_until(is_so):
-    end = time.monotonic() + 120
-    while not is_so():
-        assert time.monotonic() < end, "it never came"
-        time.sleep(0.02)
-
-
 def add_huge(archive):
     """A document that no memory holds, and that takes no room on the disk."""
     with open(archive.add("huge.xml", "<"), "r+b") as file:
         file.truncate(2_200_000_000)
-
-
-class ArchiveTest(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-        # Within no limit a sanitizer can run.
-        options = ["--memory=none"] if IS_SANITIZED else []
-        self.archive = Archive(self.folder, PROGRAMS / PROGRAM, options)
-        self.schema = jsonschema.Draft202012Validator(
-            json.loads((PROJECT / "docs/schemas/archive-report.schema.json").read_text()))
-
-    def run_archive(self, status, *options, **more):
-        """Runs it, checks the status, and each line of the report against its schema."""
-        run = self.archive.run(*options, **more)
-        self.assertEqual(run.returncode, status, (run.stdout, run.stderr))
-        if (self.archive.target / REPORT).exists():
-            for line in self.archive.lines():
-                self.schema.validate(line)
-        return run
-
-    def another(self):
-        """A test of the same kind, with an archive of its own."""
-        other = type(self)()
-        other.setUp()
-        self.addCleanup(other.doCleanups)
-        return other
-
-    def add_every_kind(self):
-        for path, document in {
-            "clean.xml": CLEAN, "lossy.xml": LOSSY, "old.xml": OLD, "newer.xml": NEWER,
-            "current.xml": converted(CLEAN), "no-uuid.xml": NO_UUID, "broken.xml": BROKEN,
-            "stranger.xml": STRANGER, "several.xml": SEVERAL, "empty": "", "notes.txt": "Hi <3",
-            "2019/deep/er/clean.xml": CLEAN.replace("Vocal", "Bass"),
-        }.items():
-            self.archive.add(path, document)
-
-    EVERY_OUTCOME = {
-        "clean.xml": ("converted", None), "lossy.xml": ("lossy", None),
-        "old.xml": ("lossy", None), "newer.xml": ("refused", "too-new"),
-        "current.xml": ("current", None), "no-uuid.xml": ("failed", "invalid-profile-id"),
-        "broken.xml": ("failed", "not-well-formed"),
-        "stranger.xml": ("refused", "no-workspace"),
-        "several.xml": ("refused", "several-sections"), "empty": ("refused", "no-workspace"),
-        "notes.txt": ("refused", "no-workspace"),
-        "2019/deep/er/clean.xml": ("converted", None),
-    }  # fmt: skip
 
 
 class Documents(ArchiveTest):
@@ -319,22 +224,6 @@ class Documents(ArchiveTest):
         self.assertEqual(self.archive.outcomes(), {
             "sub/clean.xml": ("failed", "not-written"), "clean.xml": ("converted", None)})
 
-    def as_another_user(self):
-        """How to run as somebody who may not do everything, when we may."""
-        if os.geteuid() != 0:
-            return {}
-        programs = self.folder / "everybodys/bin"
-        for folder in ("bin", "libexec"):
-            shutil.copytree(PROGRAMS.parent / folder, programs.parent / folder)
-        self.archive.program = programs / PROGRAM
-        return {"user": NOBODY, "group": NOBODY, "extra_groups": []}
-
-    def give_away(self):
-        if os.geteuid() == 0:
-            for parent, folders, files in os.walk(self.folder):
-                for name in (".", *folders, *files):
-                    os.chown(os.path.join(parent, name), NOBODY, NOBODY)
-
     def test_a_document_that_no_memory_holds(self):
         add_huge(self.archive)
         self.archive.add("clean.xml", CLEAN)
@@ -384,8 +273,8 @@ class Options(ArchiveTest):
         self.assertIn(b"2 done by an earlier run", run.stdout)
 
     def test_verify_finds_a_wrong_conversion(self):
-        put_in_place(self, CONVERTER,
-                     f"'{PROGRAMS / CONVERTER}' \"$1\" | sed s/Standard/Robust/")
+        self.put_in_place(CONVERTER,
+                          f"'{PROGRAMS / CONVERTER}' \"$1\" | sed s/Standard/Robust/")
         self.archive.add("clean.xml", CLEAN)
         self.run_archive(FAILED, "--verify")
         self.assertEqual(self.archive.outcomes(), {"clean.xml": ("failed", "not-verified")})
@@ -890,8 +779,8 @@ class HostileDocuments(ArchiveTest):
 
     def test_the_converter_begins_within_its_limits(self):
         limits = self.folder / "limits"
-        put_in_place(self, CONVERTER, f"(ulimit -v; ulimit -t; ulimit -c) >'{limits}'\n"
-                                      f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
+        self.put_in_place(CONVERTER, f"(ulimit -v; ulimit -t; ulimit -c) >'{limits}'\n"
+                                     f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
         self.archive.add("clean.xml", CLEAN)
         # A sanitizer runs within no limit on memory.
         memory = "none" if IS_SANITIZED else "1024"
@@ -915,8 +804,8 @@ class HostileDocuments(ArchiveTest):
     def test_a_worker_that_dies_takes_no_neighbour_along(self):
         for number in range(40):
             self.archive.add(f"{number:02}.xml", CLEAN)
-        put_in_place(self, CONVERTER, "case $1 in */07.xml) kill -9 $PPID;; esac\n"
-                                      f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
+        self.put_in_place(CONVERTER, "case $1 in */07.xml) kill -9 $PPID;; esac\n"
+                                     f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
         self.run_archive(FAILED, "--jobs=2")
         outcomes = self.archive.outcomes()
         self.assertEqual(outcomes.pop("07.xml"), ("failed", "broke-off"))
@@ -973,8 +862,8 @@ class HostileDocuments(ArchiveTest):
         """Runs the worker under strace, which writes what it sees into "traced"."""
         program = PROGRAMS / WORKER
         otherwise = f"[ ! -e '{self.folder}/traced' ] || exec '{program}' \"$@\"\n"
-        put_in_place(self, WORKER, (otherwise if only_once else "") +
-                     f"exec strace -o '{self.folder}/traced' {rules} '{program}' \"$@\"")
+        self.put_in_place(WORKER, (otherwise if only_once else "") +
+                          f"exec strace -o '{self.folder}/traced' {rules} '{program}' \"$@\"")
 
     def test_a_report_that_cannot_grow_ends_the_run_at_once(self):
         for number in range(60):
@@ -1049,10 +938,7 @@ class Streams(ArchiveTest):
 
     def test_a_worker_with_closed_streams(self):
         self.note_streams()
-        worker = self.archive.program.parent / WORKER
-        real = worker.rename(worker.with_name("worker"))
-        worker.write_text(f"#!/bin/sh\nexec '{real}' \"$@\" <&- 2>&-\n")
-        worker.chmod(0o755)
+        self.put_in_place(WORKER, f"exec '{PROGRAMS / WORKER}' \"$@\" <&- 2>&-")
         for options in ["--dry-run"], []:
             with self.subTest(options=options):
                 self.run_archive(DONE, *options)
@@ -1062,9 +948,9 @@ class Streams(ArchiveTest):
         """Has the converter tell what its streams are. Little else is open while it is at work: a
         document of this size has left no process behind that reads the next one."""
         self.archive.add("a.xml", CLEAN.replace("Vocal", "V" * 70_000))
-        put_in_place(self, CONVERTER, "(cd /proc/$$/fd; echo \"$(readlink 0 1 2)\") "
-                                      f">'{self.folder}/streams'\n"
-                                      f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
+        self.put_in_place(CONVERTER, "(cd /proc/$$/fd; echo \"$(readlink 0 1 2)\") "
+                                     f">'{self.folder}/streams'\n"
+                                     f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
 
     def check_streams(self):
         streams = self.folder / "streams"
@@ -1130,7 +1016,7 @@ class Mishaps(ArchiveTest):
 
     def run_with_converter(self, status, script, *options):
         self.archive.add("a.xml", CLEAN)
-        put_in_place(self, CONVERTER, script)
+        self.put_in_place(CONVERTER, script)
         return self.run_archive(status, *options)
 
     def test_a_document_that_is_changed_while_it_is_read(self):
@@ -1153,8 +1039,8 @@ class Mishaps(ArchiveTest):
         target = self.archive.target / "a.xml"
         earlier = sha256(target.read_bytes())
         self.archive.add("a.xml", CLEAN.replace("Vocal", "Bass"))
-        put_in_place(self, CONVERTER, f"rm '{target}'; mkdir '{target}'\n"
-                                      f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
+        self.put_in_place(CONVERTER, f"rm '{target}'; mkdir '{target}'\n"
+                                     f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
         self.run_archive(FAILED)
         self.assertEqual(self.archive.outcomes(), {"a.xml": ("failed", "not-written")})
         self.assertEqual(self.archive.records()["a.xml"]["earlier"]["sha256"], earlier)
@@ -1162,7 +1048,7 @@ class Mishaps(ArchiveTest):
 
     def test_a_converter_that_cannot_be_started(self):
         self.archive.add("a.xml", CLEAN)
-        put_in_place(self, CONVERTER, "")
+        self.put_in_place(CONVERTER, "")
         (self.archive.program.parent / CONVERTER).write_text("#!/nowhere/sh\n")
         self.run_archive(FAILED)
         self.assert_left("failed", "no-converter")
@@ -1183,7 +1069,7 @@ class Mishaps(ArchiveTest):
 
     def test_a_program_that_is_missing(self):
         self.archive.add("a.xml", CLEAN)
-        put_in_place(self, CONVERTER, "")
+        self.put_in_place(CONVERTER, "")
         (self.archive.program.parent / CONVERTER).unlink()
         run = self.run_archive(UNAVAILABLE)
         self.assertEqual(run.stderr.decode(), f"{PROGRAM}: a program is missing:"
@@ -1202,9 +1088,9 @@ class Mishaps(ArchiveTest):
         self.assertIn(b"the plan cannot be read", run.stderr)
 
     def test_a_worker_whose_run_is_over(self):
-        put_in_place(self, WORKER, f"cp \"$1\" '{self.folder}/plan'\n"
-                                   f"echo \"$2 $3\" > '{self.folder}/job'\n"
-                                   f"exec '{PROGRAMS / WORKER}' \"$@\"")
+        self.put_in_place(WORKER, f"cp \"$1\" '{self.folder}/plan'\n"
+                                  f"echo \"$2 $3\" > '{self.folder}/job'\n"
+                                  f"exec '{PROGRAMS / WORKER}' \"$@\"")
         self.archive.add("a.xml", CLEAN)
         self.run_archive(DONE)
         (self.archive.target / "a.xml").unlink()
@@ -1219,9 +1105,4 @@ class Mishaps(ArchiveTest):
 
 
 if __name__ == "__main__":
-    PROGRAMS = pathlib.Path(sys.argv.pop(1)).absolute()
-    PROJECT = pathlib.Path(sys.argv.pop(1))
-    if "--sanitized" in sys.argv:
-        sys.argv.remove("--sanitized")
-        IS_SANITIZED = True
     unittest.main()

@@ -4,12 +4,16 @@ import fcntl
 import json
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
+import tempfile
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent.parent))
 import workspaces  # noqa: E402
 
+PROGRAM = "coordworkspace-convert-archive"
+CONVERTER = "CoordWorkSpaceSectionConverter0_3"
 SECTION = "coordinated_data_root"
 SECONDS_A_RUN = 300
 REPORT = ".coordworkspace/report.jsonl"
@@ -22,6 +26,19 @@ NO_UUID = workspaces.workspace(2, profile_id="7")
 BROKEN = CLEAN[:-20]
 STRANGER = "<?xml version='1.0'?><html><body>Set list</body></html>"
 SEVERAL = f"<shows>{'<coordinated_data_root/>' * 2}</shows>"
+
+
+def worker_of(programs):
+    """The path of the worker from the folder of the programs: the archive program tells it where
+    the worker is missing."""
+    with tempfile.TemporaryDirectory() as folder:
+        alone = pathlib.Path(folder).resolve() / "only/this/program"
+        alone.mkdir(parents=True)
+        run = subprocess.run([shutil.copy(programs / PROGRAM, alone), "source", "target"],
+                             capture_output=True, check=False, timeout=60)
+        begin, worker = run.stderr.decode().rstrip("\n").split(" is missing: ")
+        assert begin == f"{PROGRAM}: a program", run
+        return os.path.relpath(worker, alone)
 
 
 def bomb(letters=500_000_000):
@@ -58,8 +75,8 @@ class Archive:
         return subprocess.run(self.arguments(*options), stdin=subprocess.DEVNULL, **more)
 
     def lines(self):
-        text = (self.target / REPORT).read_text(encoding="utf-8")
-        return [json.loads(line) for line in text.splitlines()]
+        # Of bytes: a text also ends lines where a name may have U+2028.
+        return [json.loads(line) for line in (self.target / REPORT).read_bytes().splitlines()]
 
     def records(self):
         lines = self.lines()

@@ -26,12 +26,9 @@ import sys
 import tempfile
 import time
 
-from archives import (BROKEN, CLEAN, LOSSY, NEWER, NO_UUID, OLD, SECONDS_A_RUN, STRANGER, Archive,
-                      contents, is_locked)
+from archives import (BROKEN, CLEAN, CONVERTER, LOSSY, NEWER, NO_UUID, OLD, PROGRAM, SECONDS_A_RUN,
+                      STRANGER, Archive, contents, is_locked, worker_of)
 
-FRONT_END = "coordworkspace-convert-archive"
-WORKER = "../libexec/coordworkspace/coordworkspace-archive-worker"
-CONVERTER = "CoordWorkSpaceSectionConverter0_3"
 CHANGED = CLEAN.replace("Vocal", "Drums")
 DOCUMENT = "show/one.xml"
 BUSY = 75
@@ -100,14 +97,14 @@ def saved_plan(archive, programs, folder):
     """The arguments of the worker's only job, with a plan that outlasts the run."""
     front = folder / "front/bin"
     front.mkdir(parents=True, exist_ok=True)
-    for name in (FRONT_END, CONVERTER):
+    for name in (PROGRAM, CONVERTER):
         shutil.copy(programs / name, front / name)
     saved = folder / "plan.jsonl"
-    worker = front / WORKER
+    worker = front / worker_of(programs)
     worker.parent.mkdir(parents=True, exist_ok=True)
     worker.write_text(f'#!/bin/sh\ncp "$1" {saved}\necho "$2 $3" >{folder}/job\nexit 1\n')
     worker.chmod(0o755)
-    subprocess.run([front / FRONT_END, archive.source, archive.target], capture_output=True,
+    subprocess.run([front / PROGRAM, archive.source, archive.target], capture_output=True,
                    check=False, timeout=SECONDS_A_RUN)
     (archive.target / ".coordworkspace/report.jsonl").unlink()
     return [saved, *(folder / "job").read_text().split()]
@@ -118,7 +115,7 @@ class OneDocument:
 
     def __init__(self, folder, programs, has_old_target):
         self.programs = programs
-        self.archive = Archive(folder, programs / FRONT_END)
+        self.archive = Archive(folder, programs / PROGRAM)
         self.old = None
         document = self.archive.add(DOCUMENT, CLEAN)
         if has_old_target:
@@ -132,7 +129,7 @@ class OneDocument:
             shutil.copytree(self.archive.target, folder / "before")
         self.whole = converted(programs, document)
         self.before = folder / "before"
-        self.commands = {"worker": [programs / WORKER, *job],
+        self.commands = {"worker": [programs / worker_of(programs), *job],
                          "front end": self.archive.arguments()}
 
     def restore(self):
@@ -233,7 +230,7 @@ def kill_at_random(archive, choose):
 def check_against_clean_run(archive, folder, programs):
     # A process that was killed alone may have left a document failed, which the next run takes up.
     run = run_when_free(archive)
-    clean = Archive(folder, programs / FRONT_END)
+    clean = Archive(folder, programs / PROGRAM)
     clean.source.rmdir()
     clean.source = archive.source
     expected = clean.run()
@@ -261,7 +258,7 @@ def check_against_clean_run(archive, folder, programs):
 def kill_randomly(programs, kills, seed):
     choose = random.Random(seed)
     with tempfile.TemporaryDirectory() as folder:
-        archive = Archive(folder, programs / FRONT_END)
+        archive = Archive(folder, programs / PROGRAM)
         for number in range(150):
             archive.add(f"{number % 7}/{number}.xml", KINDS[number % len(KINDS)])
         done = 0

@@ -4,20 +4,20 @@
     machines_test.py PROGRAM_FOLDER PROJECT_FOLDER [--sanitized] [unittest options]
 """
 
+import fcntl
 import json
 import os
 import pathlib
 import shutil
 import signal
 import subprocess
-import sys
 import tempfile
 import unittest
 
-import archive_test
 import machines
-from archive_test import (CONVERTER, DONE, FAILED, LIMIT, REFUSED, STOPPED, UNAVAILABLE, USAGE,
-                          WORKER, converted, put_in_place, wait_until)
+from archive_case import (CONVERTER, DONE, FAILED, IS_SANITIZED, LIMIT, OPTIONS, PROGRAM, PROGRAMS,
+                          REFUSED, STOPPED, UNAVAILABLE, USAGE, WORKER, ArchiveTest, converted,
+                          wait_until)
 from archives import (BROKEN, CLEAN, LOSSY, NEWER, OLD, REPORT, SEVERAL, STRANGER, Archive, bomb,
                       contents, is_locked)
 
@@ -25,17 +25,17 @@ A_PARCEL = 16  # documents, where there are few
 PARCELS = ".parallel/tmp"
 
 
-class MachinesTest(archive_test.ArchiveTest):
+class MachinesTest(ArchiveTest):
     def setUp(self):
         super().setUp()
         if machines.missing():
             self.skipTest(machines.missing())
         self.did = self.folder / "did"
         # Tells where it ran. On machines it waits while there is a file "wait".
-        put_in_place(self, CONVERTER,
-                     f"echo \"${{MACHINE:-here}} $$\" >>'{self.did}'\n"
-                     f"while [ \"$MACHINE\" ] && [ -e '{self.folder}/wait' ]; do sleep 0.05; done\n"
-                     f"exec '{archive_test.PROGRAMS / CONVERTER}' \"$1\"")
+        self.put_in_place(
+            CONVERTER, f"echo \"${{MACHINE:-here}} $$\" >>'{self.did}'\n"
+                       f"while [ \"$MACHINE\" ] && [ -e '{self.folder}/wait' ]; do sleep 0.05; done\n"
+                       f"exec '{PROGRAMS / CONVERTER}' \"$1\"")
         self.network = machines.Network(self.folder, KEYS)
         self.archive.environment = self.network.environment
 
@@ -65,8 +65,7 @@ class MachinesTest(archive_test.ArchiveTest):
 
     def check_as_here(self, status, *options):
         """Another run over the same documents, on this machine only, ends in the same."""
-        other = Archive(tempfile.mkdtemp(dir=self.folder), archive_test.PROGRAMS /
-                        archive_test.PROGRAM, ["--memory=none"] if archive_test.IS_SANITIZED else [])
+        other = Archive(tempfile.mkdtemp(dir=self.folder), PROGRAMS / PROGRAM, OPTIONS)
         other.source.rmdir()
         shutil.copytree(self.archive.source, other.source, symlinks=True)
         self.assertEqual(other.run(*options).returncode, status)
@@ -155,7 +154,7 @@ class Documents(MachinesTest):
         self.check_as_here(DONE)
 
     def test_entities_that_grow_end_as_limit_beside_their_neighbours(self):
-        if archive_test.IS_SANITIZED:
+        if IS_SANITIZED:
             self.skipTest("a sanitizer runs within no limit on memory")
         self.use_one()
         self.add_clean(3)
@@ -455,18 +454,13 @@ class KilledRuns(MachinesTest):
         os.utime(one.home / PARCELS / foreign / "result", (1, 1))
         self.add_clean(1)
         with open(one.home / PARCELS / busy / "1/out/.coordworkspace/jobs", "w") as lock:
-            archive_test.fcntl.lockf(lock, archive_test.fcntl.LOCK_EX)
+            fcntl.lockf(lock, fcntl.LOCK_EX)
             self.run_archive(DONE)
         self.assertEqual({path.name for path in (one.home / PARCELS).iterdir()},
                          {young, busy, foreign})
 
 
 if __name__ == "__main__":
-    archive_test.PROGRAMS = pathlib.Path(sys.argv.pop(1)).absolute()
-    archive_test.PROJECT = pathlib.Path(sys.argv.pop(1))
-    if "--sanitized" in sys.argv:
-        sys.argv.remove("--sanitized")
-        archive_test.IS_SANITIZED = True
     with tempfile.TemporaryDirectory() as keys:
         KEYS = pathlib.Path(keys)
         unittest.main()

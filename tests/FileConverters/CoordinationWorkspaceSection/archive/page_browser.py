@@ -28,10 +28,9 @@ from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
 
-from archives import BROKEN, CLEAN, LOSSY, NEWER, OLD, STRANGER, Archive
+from archives import BROKEN, CLEAN, LOSSY, NEWER, OLD, PROGRAM, STRANGER, Archive
 import workspaces
 
-PROGRAM = "coordworkspace-convert-archive"
 PROGRAMS = pathlib.Path()
 SAMPLES = pathlib.Path(__file__).resolve().parents[4] / "samples"
 SECONDS = 20
