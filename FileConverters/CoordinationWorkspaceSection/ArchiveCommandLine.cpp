@@ -1,7 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveCommandLine.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveTree.h"
-#include "FileConverters/CoordinationWorkspaceSection/MachinesRound.h"
+#include "FileConverters/CoordinationWorkspaceSection/LoginFile.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
@@ -77,6 +77,22 @@ bool parseJobs(const QCommandLineParser& parser, int& jobs)
     return isNumber && jobs > 0 && jobs <= MOST_JOBS;
 }
 
+// A file that names this machine only tells no more than how many jobs there may be.
+bool parseMachines(const QCommandLineParser& parser, QString& machines, int& jobs)
+{
+    if (!parser.isSet(QStringLiteral("machines"))) {
+        return true;
+    }
+    const QString file = QFileInfo(parser.value(QStringLiteral("machines"))).absoluteFilePath();
+    const LoginFile login = LoginFile::read(file);
+    if (login.namesOther) {
+        machines = file;
+    } else if (jobs == 0) {
+        jobs = login.jobsHere;
+    }
+    return login.machines > 0;
+}
+
 ArchiveCommandLine::Task taskOf(const QCommandLineParser& parser)
 {
     if (parser.isSet(QStringLiteral("help"))) {
@@ -126,11 +142,8 @@ QString ArchiveCommandLine::parse(const QStringList& arguments)
     if (!parseJobs(parser, jobs)) {
         return QStringLiteral("--jobs is a number from 1 to %1").arg(MOST_JOBS);
     }
-    if (parser.isSet(QStringLiteral("machines"))) {
-        machines = QFileInfo(parser.value(QStringLiteral("machines"))).absoluteFilePath();
-        if (MachinesRound::countMachines(machines) == 0) {
-            return QStringLiteral("--machines is a file that names machines, one a line");
-        }
+    if (!parseMachines(parser, machines, jobs)) {
+        return QStringLiteral("--machines is a file that names machines, one a line");
     }
     const QStringList folders = parser.positionalArguments();
     if (folders.size() != 2 || folders.contains(QString())) {

@@ -16,7 +16,7 @@ struct ArchiveCommandLine
     bool failsIfLossy = false; ///< sets the status for lossy documents
     QString page;              ///< a file for the report as a page, absolute; empty for none
     int jobs = 0;              ///< at the same time; 0 for as many as there are cores
-    QString machines;          ///< the file of other machines, absolute; empty for this one only
+    QString machines;          ///< the login file, absolute; empty for this machine only
 
     /**
      * Reads the arguments, the program's own name not among them.

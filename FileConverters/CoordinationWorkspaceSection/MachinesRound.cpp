@@ -1,6 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/MachinesRound.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveSchedule.h"
+#include "FileConverters/CoordinationWorkspaceSection/LoginFile.h"
 #include "FileConverters/CoordinationWorkspaceSection/MachineRecord.h"
 
 #include <QDir>
@@ -49,27 +50,13 @@ MachinesRound::~MachinesRound()
     }
 }
 
-int MachinesRound::countMachines(const QString& loginFile)
-{
-    QFile file(loginFile);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return 0;
-    }
-    int count = 0;
-    for (const QByteArray& line : file.readAll().split('\n')) {
-        const QByteArray machine = line.trimmed();
-        count += machine.isEmpty() || machine.startsWith('#') ? 0 : 1;
-    }
-    return count;
-}
-
 bool MachinesRound::start(const std::vector<PlannedDocument>& documents, const QString& loginFile,
                           int jobs)
 {
     std::vector<PlannedJob> planned;
     MachineJobs machines{loginFile, jobs, SSH_LOG, 0};
     for (const ArchiveSchedule::Job& job :
-         ArchiveSchedule::parcelsOf(documents, countMachines(loginFile))) {
+         ArchiveSchedule::parcelsOf(documents, LoginFile::read(loginFile).machines)) {
         const std::optional<PlannedJob> packed = m_parcels.pack(job);
         if (!packed) {
             return false;

@@ -31,9 +31,6 @@ public:
     /** Ends the jobs at work. */
     ~MachinesRound();
 
-    /** The machines that a file names; 0 when it cannot be read or names none. */
-    static int countMachines(const QString& loginFile);
-
     /**
      * Hands out documents.
      *

@@ -89,7 +89,7 @@ SUITES = (
         ("ArchiveLockTest", "ArchivePageTest", "ArchiveParcelsTest", "ArchiveProgressTest",
          "ArchiveScheduleTest", "ArchiveSettingsTest", "AtomicFileTest", "BoundedServerTest",
          "DocumentBatchTest", "DocumentJobTest", "DocumentRecordTest", "HtmlTextTest",
-         "MachineRecordTest", "MachinesRoundTest", "ProcessLimitsTest")
+         "LoginFileTest", "MachineRecordTest", "MachinesRoundTest", "ProcessLimitsTest")
         + ARCHIVE_PARTS
         + ("ArchivePage", "ArchiveMachines"),
     ),

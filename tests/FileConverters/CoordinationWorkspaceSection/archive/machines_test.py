@@ -236,6 +236,26 @@ class Options(MachinesTest):
         self.assertEqual(set(self.places()), {"here", "one"})
         self.check_as_here(DONE)
 
+    def test_this_machine_alone_needs_no_other(self):
+        """A file of it does what no file does, in as many jobs as it tells."""
+        commands = self.folder / "neither ssh nor rsync"
+        commands.mkdir()
+        asked = self.folder / "asked"
+        machines.write_script(commands / "parallel", f"echo \"$*\" >'{asked}'",
+                              f"PATH='{os.environ['PATH']}' exec parallel \"$@\"")
+        file = self.folder / "here"
+        for number, (text, options, jobs) in enumerate((
+                (":\n", [], r"\d+"), ("# all\n\n2/:\n", [], "2"), ("2/:\n", ["--jobs=1"], "1"))):
+            with self.subTest(text=text, options=options):
+                file.write_text(text)
+                self.archive.add(f"{number}.xml", CLEAN)
+                run = self.run_archive(DONE, f"--machines={file}", *options,
+                                       env={**os.environ, "PATH": str(commands)})
+                self.assertEqual(run.stderr, b"")
+                self.assertRegex(asked.read_text(), f" --jobs {jobs} ")
+        self.assertEqual(self.places(), ["here"] * 3)
+        self.check_as_here(DONE)
+
 
 class WrongUsage(MachinesTest):
     def test_a_file_that_names_no_machine(self):
