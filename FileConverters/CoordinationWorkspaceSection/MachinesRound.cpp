@@ -55,8 +55,9 @@ bool MachinesRound::start(const std::vector<PlannedDocument>& documents, const Q
 {
     std::vector<PlannedJob> planned;
     MachineJobs machines{loginFile, jobs, SSH_LOG, 0};
-    for (const ArchiveSchedule::Job& job :
-         ArchiveSchedule::parcelsOf(documents, LoginFile::read(loginFile).machines)) {
+    // Since the run began the file may be gone, or name none any more.
+    const int count = std::max(1, LoginFile::read(loginFile).machines);
+    for (const ArchiveSchedule::Job& job : ArchiveSchedule::parcelsOf(documents, count)) {
         const std::optional<PlannedJob> packed = m_parcels.pack(job);
         if (!packed) {
             return false;

@@ -334,6 +334,15 @@ class MachinesThatGo(MachinesTest):
         self.assertEqual(self.places(), ["one"] * 3 * A_PARCEL)
         self.check_as_here(DONE)
 
+    def test_one_that_is_named_no_longer(self):
+        one = self.use_one()
+        self.add_clean(4 * A_PARCEL)
+        run = self.start_and_wait_there(after=A_PARCEL)
+        (self.folder / "machines").unlink()
+        one.cut_off()
+        self.finish_here(run, b"came back from no machine")
+        self.assertEqual(set(self.places()), {"one", "here"})
+
     def test_none_at_all(self):
         one = self.use_one()
         one.cut_off()
