@@ -17,6 +17,9 @@ import tempfile
 import unittest
 
 PROJECT, BUILD = map(pathlib.Path, sys.argv[1:3])
+sys.path.insert(0, str(PROJECT / "tests/FileConverters/CoordinationWorkspaceSection/archive"))
+import machines  # noqa: E402
+
 CMAKE, LIBRARIES = sys.argv[3:5]
 HELPERS = sys.argv[5].split(",")
 PROGRAMS = sys.argv[6:]
@@ -82,6 +85,31 @@ class Install(unittest.TestCase):
             built = subprocess.run([BUILD / "bin" / CONVERTER, source / "festival.xml"],
                                    capture_output=True, timeout=120)
             self.assertEqual((target / "festival.xml").read_bytes(), built.stdout)
+
+    def test_the_installed_archive_program_finds_what_runs_on_other_machines(self):
+        if machines.missing():
+            self.skipTest(machines.missing())
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        network = machines.Network(folder.name, folder.name)
+        machine = network.machine("box")
+        self.addCleanup(machine.stop)
+        machine.start()
+        login, source, target = (pathlib.Path(folder.name, name)
+                                 for name in ("the machines", "all shows", "converted"))
+        login.write_text("2/box\n")
+        source.mkdir()
+        shutil.copy(PROJECT / "samples/festival.xml", source)
+        ran = subprocess.run(
+            [self.prefixes["programs"] / "bin/coordworkspace-convert-archive", "--memory=none",
+             "--timeout=none", f"--machines={login}", source, target],
+            env=network.environment, capture_output=True, timeout=120)
+        # It would be told that a machine has given nothing back.
+        self.assertEqual((ran.returncode, ran.stderr), (0, b""))
+        self.assertTrue((machine.home / ".parallel").is_dir())
+        built = subprocess.run([BUILD / "bin" / CONVERTER, source / "festival.xml"],
+                               capture_output=True, timeout=120)
+        self.assertEqual((target / "festival.xml").read_bytes(), built.stdout)
 
     def test_the_development_files_are_those_of_the_library(self):
         names = files(self.prefixes["development"])
