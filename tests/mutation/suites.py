@@ -89,7 +89,7 @@ SUITES = (
         ("ArchiveLockTest", "ArchivePageTest", "ArchiveParcelsTest", "ArchiveProgressTest",
          "ArchiveScheduleTest", "ArchiveSettingsTest", "AtomicFileTest", "BoundedServerTest",
          "DocumentBatchTest", "DocumentJobTest", "DocumentRecordTest", "HtmlTextTest",
-         "LoginFileTest", "MachineRecordTest", "MachinesRoundTest", "ProcessLimitsTest")
+         "LoginFileTest", "MachineRecordTest", "ProcessLimitsTest")
         + ARCHIVE_PARTS
         + ("ArchivePage", "ArchiveMachines"),
     ),
