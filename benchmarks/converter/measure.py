@@ -9,33 +9,19 @@ programs take turns, so that a busy machine is busy for all of them. Ends with s
 is missed. The memory of tiny runs is that of this script: Linux hands it on to what it starts.
 """
 
-import argparse
-import os
 import pathlib
 import sys
 import tempfile
 
-PROJECT = pathlib.Path(__file__).resolve().parent.parent.parent
-TESTS = PROJECT / "tests/FileConverters/CoordinationWorkspaceSection"
-sys.path.insert(0, str(TESTS))
-import measuring  # noqa: E402
+import measuring
+
+sys.path.insert(0, str(measuring.WORKSPACES))
 import workspaces  # noqa: E402
 
 ROUNDS = {10: 301, 1000: 31, 10_000: 9, 50_000: 5}
 SMALL_BAR, LARGE_BAR, LARGE_FROM = 1.05, 1.40, 1000
 MEMORY_BAR = 1.00
 GROWTH_BAR = 11.0
-
-
-def make_document(folder, systems):
-    """Made by a child, so that the memory it takes does not count for what is measured."""
-    path = pathlib.Path(folder, f"{systems}.xml")
-    child = os.fork()
-    if child == 0:
-        path.write_text(workspaces.workspace(systems), encoding="utf-8")
-        os._exit(0)
-    os.waitpid(child, 0)
-    return str(path)
 
 
 def missed_bars(systems, result):
@@ -63,15 +49,9 @@ def print_row(systems, result):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    build = PROJECT / "build"
-    parser.add_argument("--converter", default=build / "bin/CoordWorkSpaceSectionConverter0_3")
-    parser.add_argument("--bare", default=build / "tests/bare")
+    parser = measuring.option_parser(__doc__.splitlines()[0])
     parser.add_argument("--rounds", type=float, default=1.0, help="times as many rounds as usual")
     parser.add_argument("--only", type=int, nargs="*", choices=list(ROUNDS), default=list(ROUNDS))
-    parser.add_argument(
-        "--no-verdict", action="store_true", help="only print: the machine is busy with other things"
-    )
     options = parser.parse_args()
 
     script = str(pathlib.Path(__file__).with_name("convert_with_lxml.py"))
@@ -81,7 +61,7 @@ def main():
           "    converter           bare           lxml   / bare")  # fmt: skip
     with tempfile.TemporaryDirectory() as folder:
         for systems in options.only:
-            path = make_document(folder, systems)
+            path = measuring.make_document(folder, workspaces.workspace, systems)
             programs = {
                 "converter": [str(options.converter), path],
                 "bare": [str(options.bare), path],

@@ -1,9 +1,14 @@
 """Runs programs one after the other and reads off what they took."""
 
+import argparse
 import os
+import pathlib
 import random
 import resource
 import statistics
+
+PROJECT = pathlib.Path(__file__).resolve().parent.parent.parent
+WORKSPACES = PROJECT / "tests/FileConverters/CoordinationWorkspaceSection"
 
 # Bare Qt overflows the usual stack on deep documents, which the converter raises for itself.
 DEEP_STACK = 2**30
@@ -12,6 +17,29 @@ resource.setrlimit(
     resource.RLIMIT_STACK,
     (DEEP_STACK if _most == resource.RLIM_INFINITY else min(DEEP_STACK, _most), _most),
 )
+
+
+def option_parser(description):
+    """For the programs that are measured, and for whether they are judged."""
+    parser = argparse.ArgumentParser(description=description)
+    build = PROJECT / "build"
+    parser.add_argument("--converter", default=build / "bin/CoordWorkSpaceSectionConverter0_3")
+    parser.add_argument("--bare", default=build / "tests/bare")
+    parser.add_argument(
+        "--no-verdict", action="store_true", help="only print: the machine is busy with other things"
+    )
+    return parser
+
+
+def make_document(folder, make, size):
+    """Made by a child, so that the memory it takes does not count for what is measured."""
+    path = pathlib.Path(folder, f"{size}.xml")
+    child = os.fork()
+    if child == 0:
+        path.write_text(make(size), encoding="utf-8")
+        os._exit(0)
+    os.waitpid(child, 0)
+    return str(path)
 
 
 def taken(arguments):

@@ -8,16 +8,12 @@ times the time, or as many times as bare Qt takes. Prints a table of medians; en
 when a shape grows faster.
 """
 
-import argparse
-import os
-import pathlib
 import sys
 import tempfile
 
-PROJECT = pathlib.Path(__file__).resolve().parent.parent.parent
-TESTS = PROJECT / "tests/FileConverters/CoordinationWorkspaceSection"
-sys.path.insert(0, str(TESTS))
-import measuring  # noqa: E402
+import measuring
+
+sys.path.insert(0, str(measuring.WORKSPACES))
 import workspaces  # noqa: E402
 
 SECTION = "coordinated_data_root"
@@ -125,62 +121,56 @@ SHAPES = {
 }  # fmt: skip
 
 
-def make_document(folder, shape, size):
-    """Made by a child, so that the memory it takes does not count for what is measured."""
-    path = pathlib.Path(folder, f"{size}.xml")
-    child = os.fork()
-    if child == 0:
-        path.write_text(SHAPES[shape][1](size), encoding="utf-8")
-        os._exit(0)
-    os.waitpid(child, 0)
-    return str(path)
+def seconds_taken(shape, options):
+    """The medians of each program, by its name, for the three sizes."""
+    smallest, make = SHAPES[shape]
+    programs = {"converter": options.converter, "bare": options.bare}
+    seconds = {name: [] for name in programs}
+    with tempfile.TemporaryDirectory() as folder:
+        for size in (smallest, 10 * smallest, 100 * smallest):
+            path = measuring.make_document(folder, make, size)
+            runs = {name: [str(program), path] for name, program in programs.items()}
+            for name, (median, _) in measuring.medians(runs, options.rounds).items():
+                seconds[name].append(median)
+    return seconds
+
+
+def growths(times):
+    return [larger / smaller for smaller, larger in zip(times, times[1:])]
+
+
+def is_linear(seconds):
+    return all(
+        ours <= max(GROWTH_BAR, NOISE * theirs)
+        for ours, theirs in zip(growths(seconds["converter"]), growths(seconds["bare"]))
+    )
+
+
+def print_row(shape, seconds):
+    times, bare_times = seconds["converter"], seconds["bare"]
+    ours, theirs = growths(times), growths(bare_times)
+    print(
+        f"{shape:34} {100 * SHAPES[shape][0]:9} {times[0] * 1000:8.1f} {ours[0]:5.1f}"
+        f" {times[1] * 1000:8.1f} {ours[1]:5.1f} {times[2] * 1000:8.1f}"
+        f"   {theirs[0]:5.1f} {theirs[1]:5.1f}"
+        f" {times[2] / bare_times[2]:8.2f}{'' if is_linear(seconds) else '  grows too fast'}",
+        flush=True,
+    )
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    build = PROJECT / "build"
-    parser.add_argument("--converter", default=build / "bin/CoordWorkSpaceSectionConverter0_3")
-    parser.add_argument("--bare", default=build / "tests/bare")
+    parser = measuring.option_parser(__doc__.splitlines()[0])
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("shapes", nargs="*", metavar="SHAPE", default=list(SHAPES))
-    parser.add_argument(
-        "--no-verdict", action="store_true", help="only print: the machine is busy with other things"
-    )
     options = parser.parse_args()
 
     too_fast = 0
     print(f"{'shape':34} {'largest':>9}   converter: ms and growth, twice"
           "          bare: growths   / bare")  # fmt: skip
     for shape in options.shapes:
-        smallest = SHAPES[shape][0]
-        seconds = {"converter": [], "bare": []}
-        with tempfile.TemporaryDirectory() as folder:
-            for size in (smallest, 10 * smallest, 100 * smallest):
-                path = make_document(folder, shape, size)
-                programs = {
-                    "converter": [str(options.converter), path],
-                    "bare": [str(options.bare), path],
-                }
-                result = measuring.medians(programs, options.rounds)
-                for name, (run_seconds, _) in result.items():
-                    seconds[name].append(run_seconds)
-        growths = {
-            name: [larger / smaller for smaller, larger in zip(times, times[1:])]
-            for name, times in seconds.items()
-        }
-        linear = all(
-            ours <= max(GROWTH_BAR, NOISE * theirs)
-            for ours, theirs in zip(growths["converter"], growths["bare"])
-        )
-        too_fast += not linear
-        times = seconds["converter"]
-        print(
-            f"{shape:34} {100 * smallest:9} {times[0] * 1000:8.1f} {growths['converter'][0]:5.1f}"
-            f" {times[1] * 1000:8.1f} {growths['converter'][1]:5.1f} {times[2] * 1000:8.1f}"
-            f"   {growths['bare'][0]:5.1f} {growths['bare'][1]:5.1f}"
-            f" {times[2] / seconds['bare'][2]:8.2f}{'' if linear else '  grows too fast'}",
-            flush=True,
-        )
+        seconds = seconds_taken(shape, options)
+        print_row(shape, seconds)
+        too_fast += not is_linear(seconds)
     print(f"{len(options.shapes)} shapes, {too_fast} grow too fast")
     return 1 if too_fast and not options.no_verdict else 0
 
