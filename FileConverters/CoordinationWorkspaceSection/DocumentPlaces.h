@@ -39,7 +39,10 @@ public:
     /** The place of an element's attribute: the line is the element's. */
     Place ofAttribute(const QDomElement& element, const QString& attribute) const;
 
-    /** Those of the elements that neither are one of @p holders nor stand below one. */
+    /**
+     * Those of the elements that neither are one of @p holders nor stand below one. All have to be
+     * of the document.
+     */
     std::vector<QDomElement> outside(const std::vector<QDomElement>& elements,
                                      const std::vector<QDomElement>& holders) const;
 
