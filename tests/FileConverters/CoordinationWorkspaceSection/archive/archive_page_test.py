@@ -5,11 +5,13 @@
 """
 
 import json
+import os
 import pathlib
 import re
 import resource
 import signal
 import subprocess
+import tempfile
 import unittest
 
 import lxml.etree
