@@ -67,7 +67,11 @@ public:
     };
     Q_DECLARE_FLAGS(OutFormatOptions, OutFormatOption)
 
-    /** The one service of the process, made by the first call; never null, not yet started. */
+    /**
+     * The one service of the process, made by the first call; never null, not yet started.
+     *
+     * Not to be asked for before main() begins: the library's own constants are made by then only.
+     */
     static QSharedPointer<LogService> GetLogService();
 
     /**
