@@ -5,8 +5,6 @@
 
 #include <unistd.h>
 
-Descriptor::Descriptor(Descriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
-
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept
 {
     std::swap(m_number, other.m_number);

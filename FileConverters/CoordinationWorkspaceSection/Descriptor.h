@@ -6,7 +6,6 @@ class Descriptor
 public:
     /** @param number  as open() gives it; negative for none. */
     explicit Descriptor(int number = -1) : m_number(number) {}
-    Descriptor(Descriptor&& other) noexcept;
     Descriptor& operator=(Descriptor&& other) noexcept;
     ~Descriptor() { close(); }
 
