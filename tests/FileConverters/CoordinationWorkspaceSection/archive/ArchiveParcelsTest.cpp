@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+#include <cerrno>
+
 class ArchiveParcelsTest : public QObject
 {
     Q_OBJECT
@@ -14,6 +16,8 @@ private slots:
     void documentsAreThoseOfTheirParcelUntilTheyAreDone();
     void anOutputIsAFileThatNoLinkLeadsTo();
     void aParcelGoesWithItsLastDocument();
+    void whatIsDoneWithMayBeToldAgain();
+    void whatCannotBePackedIsToldByErrno();
     void nothingBehindALinkIsTouched();
     void aWorkerOfAnotherVersionHasAnObjection();
 
@@ -129,6 +133,28 @@ void ArchiveParcelsTest::aParcelGoesWithItsLastDocument()
         QVERIFY(QFileInfo::exists(path("parcels/2")));
     }
     QVERIFY(!QFileInfo::exists(path("parcels")));
+}
+
+void ArchiveParcelsTest::whatIsDoneWithMayBeToldAgain()
+{
+    ArchiveParcels parcels(m_settings, path("parcels"));
+    QVERIFY(parcels.pack({document("a.xml")}));
+    parcels.finish(1, "a.xml");
+    parcels.finish(1, "a.xml");
+    parcels.finish(2, "a.xml");
+    QVERIFY(!parcels.find(1, "a.xml"));
+}
+
+void ArchiveParcelsTest::whatCannotBePackedIsToldByErrno()
+{
+    write("file");
+    ArchiveParcels inAFile(m_settings, path("file/parcels"));
+    QVERIFY(!inAFile.pack({document("a.xml")}));
+    QCOMPARE(errno, ENOTDIR);
+
+    ArchiveParcels parcels(m_settings, path("parcels"));
+    QVERIFY(!parcels.pack({document(QString(300, 'x'))}));
+    QCOMPARE(errno, ENAMETOOLONG);
 }
 
 void ArchiveParcelsTest::nothingBehindALinkIsTouched()

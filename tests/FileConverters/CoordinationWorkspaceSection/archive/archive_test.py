@@ -457,7 +457,9 @@ class WrongUsage(ArchiveTest):
         source, target = self.archive.source, self.archive.target
         mine = self.folder / "mine.txt"
         mine.write_text("not a report")
-        for report in (source / "report.jsonl", mine, self.folder, self.folder / "no/folder/r", "",
+        folder = self.folder / "folder"
+        folder.mkdir()
+        for report in (source / "report.jsonl", mine, folder, self.folder, self.folder / "no/folder/r", "",
                        target / "no/folder/r", target / ".coordworkspace/lock",
                        target / ".coordworkspace/pending.jsonl",
                        target / "../target/.coordworkspace/jobs", target / ".coordworkspace"):
@@ -849,7 +851,8 @@ class HostileDocuments(ArchiveTest):
 
     def test_a_file_system_that_fails_in_the_end(self):
         folder = self.archive.target
-        for rules in ("-e inject=renameat2:error=EIO", f"-P '{folder}' -e inject=fsync:error=EIO"):
+        for rules in ("-e inject=renameat2:error=EIO", f"-P '{folder}' -e inject=fsync:error=EIO",
+                      "-e inject=fsync:error=EIO:when=1"):  # the document's
             with self.subTest(rules):
                 test = self.another()
                 test.trace_worker(rules.replace(str(folder), str(test.archive.target)))
@@ -869,10 +872,7 @@ class HostileDocuments(ArchiveTest):
         for number in range(60):
             self.archive.add(f"{number:02}.xml", CLEAN)
         limit = 12_000  # more than the plan and each output, less than the report
-        # Programs that count what they execute must not leave half of their counts.
-        uncounted = {"GCOV_PREFIX": str(self.folder / "counts"), "GCOV_ERROR_FILE": "/dev/null",
-                     "LLVM_PROFILE_FILE": "/dev/null"}  # fmt: skip
-        run = self.run_archive(NOT_WRITTEN, "--jobs=2", env={**os.environ, **uncounted},
+        run = self.run_archive(NOT_WRITTEN, "--jobs=2", env={**os.environ, **self.uncounted()},
                                preexec_fn=lambda: resource.setrlimit(
                                    resource.RLIMIT_FSIZE, (limit, limit)))
         self.assertEqual(run.stdout, b"")

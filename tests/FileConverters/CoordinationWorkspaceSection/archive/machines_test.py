@@ -8,6 +8,7 @@ import fcntl
 import json
 import os
 import pathlib
+import resource
 import shutil
 import signal
 import subprocess
@@ -15,9 +16,9 @@ import tempfile
 import unittest
 
 import machines
-from archive_case import (CONVERTER, DONE, FAILED, IS_SANITIZED, LIMIT, OPTIONS, PROGRAM, PROGRAMS,
-                          REFUSED, STOPPED, UNAVAILABLE, USAGE, WORKER, ArchiveTest, converted,
-                          wait_until)
+from archive_case import (CONVERTER, DONE, FAILED, IS_SANITIZED, LIMIT, NOT_WRITTEN, OPTIONS,
+                          PROGRAM, PROGRAMS, REFUSED, STOPPED, UNAVAILABLE, USAGE, WORKER,
+                          ArchiveTest, converted, wait_until)
 from archives import (BROKEN, CLEAN, LOSSY, NEWER, OLD, REPORT, SEVERAL, STRANGER, Archive, bomb,
                       contents, is_locked)
 
@@ -211,6 +212,19 @@ class Options(MachinesTest):
         self.assertEqual(self.archive.targets()["000.xml"][0], converted(LOSSY))
         self.assertIn("earlier", self.archive.records()["001.xml"])
         self.assertEqual(self.places(), ["one"] * 3)
+
+    def test_a_report_that_cannot_grow_ends_the_run_at_once(self):
+        self.use_one()
+        self.add_clean(2 * A_PARCEL)
+        limit = 32_000  # more than a parcel and what is told of it, less than the report of both
+        run = self.run_archive(
+            NOT_WRITTEN, env={**self.archive.environment, **self.uncounted()},
+            preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (limit, limit)))
+        self.assertEqual(run.stdout, b"")
+        self.assertTrue(run.stderr.endswith(b"report.jsonl cannot be written: File too large\n"),
+                        run.stderr)
+        self.run_archive(DONE)
+        self.check_as_here(DONE)
 
     def test_a_dry_run_writes_nothing_and_tells_the_same(self):
         one = self.use_one()
@@ -416,6 +430,10 @@ class MachinesThatLie(MachinesTest):
     def test_nothing_installed(self):
         run = self.refuse_to_believe("exit 127")
         self.assertIn(b"16 documents came back from no machine", run.stderr)
+
+    def test_no_room(self):
+        run = self.refuse_to_believe("echo 'problem: the report cannot be written: no room'; exit 1")
+        self.assertEqual(run.stderr.count(b"the report cannot be written: no room"), 1, run.stderr)
 
     def test_a_worker_that_dies_at_a_document(self):
         self.use_one()
