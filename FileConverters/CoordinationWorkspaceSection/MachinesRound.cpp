@@ -8,7 +8,7 @@
 #include <QFile>
 
 #include <algorithm>
-#include <cerrno>
+#include <iterator>
 
 namespace {
 
@@ -83,7 +83,10 @@ std::optional<std::vector<DocumentRecord>> MachinesRound::next(int milliseconds)
     }
     std::vector<DocumentRecord> taken;
     for (const auto& [parcel, returned] : m_returned) {
-        const auto records = acceptBatch(m_settings, returned);
+        std::vector<ReturnedDocument> documents;
+        std::transform(returned.begin(), returned.end(), std::back_inserter(documents),
+                       [](const auto& entry) { return entry.second; });
+        const auto records = acceptBatch(m_settings, documents);
         if (!records) {
             return std::nullopt;
         }
@@ -114,7 +117,9 @@ void MachinesRound::readLine(const QByteArray& line)
         return;
     }
     if (MachineRecord::isAnswer(*told, *document, m_settings)) {
-        m_returned[parcel].push_back({*document, *told, m_parcels.output(parcel, told->path)});
+        // What is told again counts no more.
+        m_returned[parcel].try_emplace(
+            told->path, ReturnedDocument{*document, *told, m_parcels.output(parcel, told->path)});
     } else {
         m_forHere.insert(told->path);
     }

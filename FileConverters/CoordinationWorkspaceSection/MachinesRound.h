@@ -65,7 +65,8 @@ private:
     ArchiveParcels m_parcels;
     const QString m_parallelFolder;
     ParallelProcess m_parallel;
-    std::map<int, std::vector<ReturnedDocument>> m_returned; // by parcel, not taken in yet
+    // By parcel and path, not taken in yet.
+    std::map<int, std::map<QString, ReturnedDocument>> m_returned;
     QSet<QString> m_forHere;
     qint64 m_sshLogRead = 0;
     QSet<QByteArray> m_known; // complaints

@@ -435,6 +435,18 @@ class MachinesThatLie(MachinesTest):
         run = self.refuse_to_believe("echo 'problem: the report cannot be written: no room'; exit 1")
         self.assertEqual(run.stderr.count(b"the report cannot be written: no room"), 1, run.stderr)
 
+    def test_what_is_told_twice_counts_once(self):
+        self.use_one()
+        self.put_worker('"$worker" "$plan" "$@" >told; cat told told')
+        self.add_clean(1)
+        self.archive.add("newer.xml", NEWER)
+        for options in ["--dry-run"], []:
+            run = self.run_archive(REFUSED, *options)
+            self.assertEqual(run.stdout.splitlines()[-1], b"2 documents: 1 converted, 0 current,"
+                                                          b" 0 lossy, 1 refused, 0 limit, 0 failed")
+        self.assertEqual(self.places(), ["one"] * 2)
+        self.check_as_here(REFUSED)
+
     def test_a_worker_that_dies_at_a_document(self):
         self.use_one()
         self.add_clean(A_PARCEL)
