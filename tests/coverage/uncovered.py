@@ -12,41 +12,55 @@ import pathlib
 import sys
 
 PROJECT = pathlib.Path(__file__).resolve().parent.parent.parent
+sys.path.insert(0, str(PROJECT / "tests"))
+import places  # noqa: E402
 
 
 def reasons():
-    """(source, line's text). Lines of the list: source | the line as it stands | reason."""
+    """(source, place). Lines of the list: source | place | reason."""
     listed = set()
     for line in pathlib.Path(__file__).with_name("uncovered.txt").read_text().splitlines():
         if line and not line.startswith("#"):
             source, rest = line.split(" | ", 1)
-            text, _reason = rest.rsplit(" | ", 1)
-            listed.add((source, text))
+            place, _reason = rest.rsplit(" | ", 1)
+            listed.add((source, place))
     return listed
 
 
+def places_of(source):
+    """The number of each line, by (source, place)."""
+    lines = (PROJECT / source).read_text().splitlines()
+    return {(source, place): number for number, place in places.places(lines).items()}
+
+
 def uncovered(coverage):
-    found = {}
-    for file in coverage["files"]:
-        source = (PROJECT / file["file"]).read_text().splitlines()
-        for line in file["lines"]:
-            if line["count"] == 0 and not line.get("gcovr/noncode"):
-                number = line["line_number"]
-                found[(file["file"], source[number - 1].strip())] = number
-    return found
+    """(source, number)."""
+    return {
+        (file["file"], line["line_number"])
+        for file in coverage["files"]
+        for line in file["lines"]
+        if line["count"] == 0 and not line.get("gcovr/noncode")
+    }
 
 
 def main():
     with open(sys.argv[1], encoding="utf-8") as file:
-        found = uncovered(json.load(file))
+        never = uncovered(json.load(file))
     listed = reasons()
-    wrong = [f"{path}:{found[path, text]}: never executed: {text}" for path, text in sorted(found.keys() - listed)]
-    wrong += [
-        f"{path}: a line that is gone has a reason: {text}"
-        for path, text in sorted(listed)
-        if text not in map(str.strip, (PROJECT / path).read_text().splitlines())
+    known = {}
+    for source in sorted({source for source, _ in never | listed}):
+        known.update(places_of(source))
+    found = {(path, place) for (path, place), number in known.items() if (path, number) in never}
+    wrong = [
+        f"{path}:{known[path, place]}: never executed: {place}"
+        for path, place in sorted(found - listed)
     ]
-    print(f"coverage: {len(found)} lines never executed, {len(found.keys() & listed)} of them with a reason")
+    wrong += [
+        f"{path}: a line that is gone has a reason: {place}"
+        for path, place in sorted(listed - known.keys())
+    ]
+    reasoned = len(found & listed)
+    print(f"coverage: {len(found)} lines never executed, {reasoned} of them with a reason")
     print(*wrong, sep="\n", end="\n" if wrong else "")
     return 1 if wrong else 0
 

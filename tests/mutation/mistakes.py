@@ -3,8 +3,12 @@
 import dataclasses
 import pathlib
 import re
+import sys
 
 from clang import cindex
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent.parent))
+import places  # noqa: E402
 
 TURNED = {
     "<": "<=", "<=": "<", ">": ">=", ">=": ">", "==": "!=", "!=": "==",
@@ -31,7 +35,6 @@ BRANCHES = (
     cindex.CursorKind.WHILE_STMT,
     cindex.CursorKind.CXX_FOR_RANGE_STMT,
 )
-SHORT = 20  # characters of a line that does not tell its place
 INTEGER = re.compile(r"(0[xX][0-9a-fA-F]+|\d+)([uUlL]*)$")
 
 
@@ -62,6 +65,7 @@ class Finder:
         self.path = path
         self.source = str(project / path)
         self.text = pathlib.Path(self.source).read_bytes()
+        self.lines = self.text.decode(errors="replace").split("\n")
         unit = cindex.Index.create().parse(self.source, args=arguments)
         errors = [d for d in unit.diagnostics if d.severity >= cindex.Diagnostic.Error]
         if errors:
@@ -133,14 +137,9 @@ class Finder:
         return self.text[start:end]
 
     def add(self, start, end, replacement, kind):
-        line_start = self.text.rfind(b"\n", 0, start) + 1
-        line_end = self.text.find(b"\n", start)
         line = self.text.count(b"\n", 0, start) + 1
-        before = self.text[line_start:line_end].decode(errors="replace").strip()
+        before = self.lines[line - 1].strip()
         if before.startswith(("static_assert", "#")):
             return
-        place = before
-        if len(before) < SHORT:
-            above = self.text[:line_start].decode(errors="replace").rstrip().rpartition("\n")[2]
-            place = f"{above.strip()} {before}"
-        self.found.add(Mistake(self.path, start, end, replacement, line, kind, before, place))
+        self.found.add(Mistake(self.path, start, end, replacement, line, kind, before,
+                               places.place(self.lines, line)))

@@ -5,6 +5,7 @@ record: nothing is installed, and no build folder in use is touched.
 usage: scripts_test.py CONVERTER PROJECT_FOLDER
 """
 
+import json
 import os
 import pathlib
 import resource
@@ -386,6 +387,86 @@ class Proof(Clone):
             with self.subTest(name=name):
                 self.assertEqual(self.run_script("proof", name).returncode, 2)
                 self.assertEqual(self.recorded(), [])
+
+
+SOURCE = """bool isThere(int number)
+{
+    if (number < 0) {
+        return false;
+    }
+
+    if (number > 9) {
+        return false;
+    }
+    return number < 5 || number > 6;
+}
+
+bool isThereAndEven(int number)
+{
+    if (number < 0) {
+        return false;
+    }
+    return number % 2 == 0;
+}
+"""
+
+
+class Uncovered(unittest.TestCase):
+    """Lines that no test executes, held against the list of those that have a reason."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.project = pathlib.Path(folder.name)
+        (self.project / "tests/coverage").mkdir(parents=True)
+        for name in ("tests/places.py", "tests/coverage/uncovered.py"):
+            shutil.copy(PROJECT / name, self.project / name)
+
+    def check(self, never, listed, source=SOURCE):
+        """What is said of lines by number, where the list has these places."""
+        (self.project / "source.cpp").write_text(source)
+        (self.project / "tests/coverage/uncovered.txt").write_text(
+            "# told\n" + "".join(f"source.cpp | {place} | a reason\n" for place in listed))
+        lines = [{"line_number": number, "count": number not in never}
+                 for number in range(1, source.count("\n") + 1)]
+        coverage = self.project / "coverage.json"
+        coverage.write_text(json.dumps({"files": [{"file": "source.cpp", "lines": lines}]}))
+        script = self.project / "tests/coverage/uncovered.py"
+        run = subprocess.run([sys.executable, script, coverage], capture_output=True, text=True,
+                             timeout=60)
+        summary, *wrong = run.stdout.splitlines()
+        self.assertEqual((run.returncode, run.stderr), (1 if wrong else 0, ""))
+        self.assertTrue(summary.startswith(f"coverage: {len(never)} lines never executed,"),
+                        summary)
+        return wrong
+
+    def test_a_line_without_a_reason(self):
+        self.assertEqual(self.check([], []), [])
+        self.assertEqual(self.check([10], []),
+                         ["source.cpp:10: never executed: return number < 5 || number > 6;"])
+        self.assertEqual(self.check([10], ["return number < 5 || number > 6;"]), [])
+
+    def test_a_line_that_some_runs_execute(self):
+        self.assertEqual(self.check([], ["return number < 5 || number > 6;"]), [])
+
+    def test_a_line_that_is_gone(self):
+        self.assertEqual(self.check([], ["return number < 6 || number > 6;"]),
+                         ["source.cpp: a line that is gone has a reason: "
+                          "return number < 6 || number > 6;"])
+
+    def test_a_short_line_is_told_after_the_one_above_it(self):
+        place = "if (number > 9) { return false;"
+        self.assertEqual(self.check([8], []), [f"source.cpp:8: never executed: {place}"])
+        self.assertEqual(self.check([8], [place]), [])
+        # Wherever it stands by now.
+        self.assertEqual(self.check([10], [place], f"\n\n{SOURCE}"), [])
+
+    def test_a_reason_is_that_of_one_line(self):
+        first = "bool isThere(int number) { if (number < 0) { return false;"
+        second = "bool isThereAndEven(int number) { if (number < 0) { return false;"
+        self.assertEqual(self.check([4, 16], [first]), [f"source.cpp:16: never executed: {second}"])
+        self.assertEqual(self.check([4, 16], [second]), [f"source.cpp:4: never executed: {first}"])
+        self.assertEqual(self.check([4, 16], [first, second]), [])
 
 
 if __name__ == "__main__":
