@@ -9,10 +9,14 @@
 #include <QFile>
 #include <QFileInfo>
 
-// A library's resources are linked only when somebody asks for them, outside every namespace.
-static void linkResources()
+/** What stands between the tags of a style or a script, in HTML as in XML. */
+static QByteArray resource(const char* name)
 {
+    // A library's resources are linked only when somebody asks for them, outside every namespace.
     Q_INIT_RESOURCE(archive_page);
+    QFile file(QStringLiteral(":/archive_page/") + QLatin1String(name));
+    file.open(QIODevice::ReadOnly);
+    return "/*<![CDATA[*/\n" + file.readAll() + "/*]]>*/";
 }
 
 namespace {
@@ -23,15 +27,6 @@ constexpr double PERCENT = 100.0;
 // Every page begins so, and by that it is known as one.
 const QByteArray BEGIN = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\" />\n"
                          "<meta name=\"generator\" content=\"coordworkspace-convert-archive ";
-
-/** What stands between the tags of a style or a script, in HTML as in XML. */
-QByteArray resource(const char* name)
-{
-    linkResources();
-    QFile file(QStringLiteral(":/archive_page/") + QLatin1String(name));
-    file.open(QIODevice::ReadOnly);
-    return "/*<![CDATA[*/\n" + file.readAll() + "/*]]>*/";
-}
 
 QByteArray hashSource(const QByteArray& element)
 {

@@ -18,6 +18,8 @@ class ArchivePageTest : public QObject
 
 private slots:
     void itTellsOfTheRun();
+    void itTellsWhenTheRunEndedAndWhere_data();
+    void itTellsWhenTheRunEndedAndWhere();
     void itCountsEachOutcome();
     void filesComeByPath();
     void aFileTellsItsOutcomeSizesAndSeconds();
@@ -166,6 +168,30 @@ void ArchivePageTest::itTellsOfTheRun()
     QCOMPARE(elements(tree, "time")[0].attribute(QStringLiteral("datetime")),
              QStringLiteral("2026-11-21T17:05:09+01:30"));
     QVERIFY(textsOf(elements(tree, "p")).contains(QStringLiteral("the summary.")));
+}
+
+void ArchivePageTest::itTellsWhenTheRunEndedAndWhere_data()
+{
+    QTest::addColumn<int>("offset");
+    QTest::addColumn<QString>("shown");
+    QTest::addColumn<QString>("machineReadable");
+    QTest::newRow("UTC") << 0 << "2026-11-21 17:05:09 UTC"
+                         << "2026-11-21T17:05:09Z";
+    QTest::newRow("east") << 3600 << "2026-11-21 17:05:09 +01:00"
+                          << "2026-11-21T17:05:09+01:00";
+    QTest::newRow("west") << -5 * 3600 << "2026-11-21 17:05:09 -05:00"
+                          << "2026-11-21T17:05:09-05:00";
+}
+
+void ArchivePageTest::itTellsWhenTheRunEndedAndWhere()
+{
+    QFETCH(int, offset);
+    ArchivePageContent content = contentOf({});
+    content.ended = QDateTime(QDate(2026, 11, 21), QTime(17, 5, 9), Qt::OffsetFromUTC, offset);
+    const QList<QDomElement> times = elements(treeOf(pageOf(content)), "time");
+    QCOMPARE(times.size(), 1);
+    QTEST(times[0].text(), "shown");
+    QTEST(times[0].attribute(QStringLiteral("datetime")), "machineReadable");
 }
 
 void ArchivePageTest::itCountsEachOutcome()
