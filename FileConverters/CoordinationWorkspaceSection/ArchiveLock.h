@@ -20,7 +20,12 @@ public:
     enum Kind { ALONE, TOGETHER };
     enum State { HELD, BUSY, FAILED };
 
-    /** Does not wait. @param file  made when there is none, and left behind. */
+    /**
+     * Does not wait.
+     *
+     * @param file  made when there is none, to be read and written by whom the user's mask lets,
+     *              and left behind.
+     */
     ArchiveLock(const QString& file, Kind kind);
     ArchiveLock(const ArchiveLock&) = delete;
     ArchiveLock& operator=(const ArchiveLock&) = delete;

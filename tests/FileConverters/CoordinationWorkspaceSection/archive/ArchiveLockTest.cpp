@@ -5,6 +5,7 @@
 
 #include <array>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -32,7 +33,9 @@ private slots:
     void whoMayHoldItBesides_data();
     void whoMayHoldItBesides();
     void itGoesWithItsHolder();
+    void itGoesWithItsHolderWhoHasNoStandardInput();
     void aForkedProcessDoesNotHoldIt();
+    void aNewFileHasTheRightsThatTheMaskLeaves();
     void aFolderThatIsNotThereTakesNone();
 
 private:
@@ -73,6 +76,16 @@ void ArchiveLockTest::itGoesWithItsHolder()
     QCOMPARE(stateElsewhere(file(), ArchiveLock::ALONE), +ArchiveLock::HELD);
 }
 
+/** Whose lock has the first of all descriptors. */
+void ArchiveLockTest::itGoesWithItsHolderWhoHasNoStandardInput()
+{
+    const int standardInput = dup(STDIN_FILENO);
+    close(STDIN_FILENO);
+    itGoesWithItsHolder();
+    (void)dup2(standardInput, STDIN_FILENO);
+    close(standardInput);
+}
+
 void ArchiveLockTest::aForkedProcessDoesNotHoldIt()
 {
     std::array<int, 2> ends{};
@@ -91,6 +104,20 @@ void ArchiveLockTest::aForkedProcessDoesNotHoldIt()
     close(ends[0]);
     close(ends[1]);
     QCOMPARE(waitpid(forked, nullptr, 0), forked);
+}
+
+void ArchiveLockTest::aNewFileHasTheRightsThatTheMaskLeaves()
+{
+    const mode_t before = umask(0);
+    for (const mode_t mask : {0U, 022U, 077U}) {
+        QFile::remove(file());
+        umask(mask);
+        const ArchiveLock lock(file(), ArchiveLock::ALONE);
+        struct stat status = {};
+        QCOMPARE(stat(QFile::encodeName(file()).constData(), &status), 0);
+        QCOMPARE(status.st_mode & ALLPERMS, 0666U & ~mask);
+    }
+    umask(before);
 }
 
 void ArchiveLockTest::aFolderThatIsNotThereTakesNone()

@@ -141,6 +141,18 @@ class Documents(ArchiveTest):
         mode = (self.archive.target / "clean.xml").stat().st_mode
         self.assertEqual(stat.S_IMODE(mode), 0o755)
 
+    def test_the_runs_own_files_have_the_rights_that_the_mask_leaves(self):
+        self.archive.add("clean.xml", CLEAN)
+        folder = self.archive.target / ".coordworkspace"
+        for mask in (0, 0o027):
+            with self.subTest(mask=oct(mask)):
+                self.run_archive(DONE, preexec_fn=lambda mask=mask: os.umask(mask))
+                modes = {path.name: oct(stat.S_IMODE(path.stat().st_mode))
+                         for path in folder.iterdir()}
+                self.assertEqual(modes, dict.fromkeys(("report.jsonl", "lock", "jobs"),
+                                                      oct(0o666 & ~mask)))
+                shutil.rmtree(self.archive.target)
+
     def test_names_of_every_kind(self):
         names = ["a b.xml", "quote'\".xml", "$HOME `id`.xml", "-n.xml", "new\nline.xml", "ü🎤.xml",
                  "{}{1}.xml", "tab\t.xml", "back\\slash.xml", "x" * 251 + ".xml", ".hidden",
@@ -470,7 +482,8 @@ class WrongUsage(ArchiveTest):
         source, target = self.archive.source, self.archive.target
         for wrong in ("--timeout=0", "--timeout=x", "--timeout=-1", "--timeout=", "--memory=0",
                       "--memory=1.5", "--jobs=0", "--jobs=x", "--jobs=100000", "--force=yes",
-                      "--unknown", "--memory=99999999999999999999"):
+                      "--unknown", "--memory=99999999999999999999", "--machines=",
+                      "--machines=/nowhere"):
             with self.subTest(option=wrong):
                 self.refuse(wrong, source, target)
         self.refuse()
