@@ -86,7 +86,7 @@ SUITES = (
     Suite(
         "archive",
         (CONVERSION + "*.cpp",),
-        ("ArchiveLockTest", "ArchivePageTest", "ArchiveParcelsTest", "ArchiveProgressTest",
+        ("ArchiveHistoryTest", "ArchiveLockTest", "ArchivePageTest", "ArchiveParcelsTest", "ArchiveProgressTest",
          "ArchiveScheduleTest", "ArchiveSettingsTest", "AtomicFileTest", "BoundedServerTest",
          "DocumentBatchTest", "DocumentJobTest", "DocumentRecordTest", "HtmlTextTest",
          "LoginFileTest", "MachineRecordTest", "ProcessLimitsTest")
