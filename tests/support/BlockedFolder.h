@@ -13,15 +13,12 @@
 #include <thread>
 #include <vector>
 
-#include <dirent.h>
-#include <dlfcn.h>
 #include <unistd.h>
 
 /**
  * A folder that holds up whoever lists it, as one on a server that does not answer does.
  *
- * For one source file of a program, where it stands in for the C library's opendir(); one at a
- * time.
+ * One at a time, in a program that BlockedFolder.cpp is a part of.
  */
 class BlockedFolder
 {
@@ -99,10 +96,3 @@ private:
     bool m_isBlocked = true;
     int m_threadsAskedToStop = 0;
 };
-
-extern "C" __attribute__((visibility("default"))) DIR* opendir(const char* path)
-{
-    BlockedFolder::visit(path);
-    static const auto open = reinterpret_cast<DIR* (*)(const char*)>(dlsym(RTLD_NEXT, "opendir"));
-    return open(path);
-}
