@@ -181,11 +181,10 @@ template <typename Condition>
 QStringList LogServiceImpl::userNames(Condition condition) const
 {
     const Guard guard(m_state->lock);
-    const std::vector<UserEntry>& users = m_state->session->users;
     QStringList names;
-    for (std::size_t i = 1; i < users.size(); ++i) {
-        if (!users[i].device && condition(users[i])) {
-            names.append(users[i].name);
+    for (const UserEntry& user : m_state->session->users) {
+        if (user.name != LOGGER_USER_ID && !user.device && condition(user)) {
+            names.append(user.name);
         }
     }
     return names;
