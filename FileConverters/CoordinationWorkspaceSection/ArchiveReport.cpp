@@ -29,6 +29,29 @@ bool endsInsideALine(int descriptor)
     return size > 0 && pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
 }
 
+// Line by line: all of them together may be more than memory, or one QByteArray, holds.
+bool holds(const QString& file, const ArchiveReport::Records& records)
+{
+    QFile report(file);
+    const auto isNext = [&report](const DocumentRecord& record) {
+        const QByteArray line = record.toLine();
+        return report.read(line.size()) == line;
+    };
+    return report.open(QIODevice::ReadOnly) &&
+           std::all_of(records.begin(), records.end(), isNext) && report.atEnd();
+}
+
+bool write(const QString& file, const ArchiveReport::Records& records)
+{
+    QFile report(file);
+    const auto isWritten = [&report](const DocumentRecord& record) {
+        const QByteArray line = record.toLine();
+        return report.write(line) == line.size();
+    };
+    return report.open(QIODevice::WriteOnly) &&
+           std::all_of(records.begin(), records.end(), isWritten) && report.flush();
+}
+
 } // namespace
 
 ArchiveReport::Records ArchiveReport::read(const QString& file)
@@ -86,24 +109,15 @@ bool ArchiveReport::append(const QString& file, const std::vector<DocumentRecord
 
 bool ArchiveReport::replace(const QString& file, const Records& records)
 {
-    QByteArray lines;
-    for (const DocumentRecord& record : records) {
-        lines += record.toLine();
-    }
     const QFileInfo info(file);
     const std::unique_ptr<AtomicFile> part =
         AtomicFile::beginAlone(info.absolutePath(), info.fileName());
     if (!part) {
         return false;
     }
-    QFile report(file);
-    if (report.open(QIODevice::ReadOnly) && report.readAll() == lines) {
+    if (holds(file, records)) {
         return true;
     }
-    QFile output(part->partPath());
-    if (!output.open(QIODevice::WriteOnly) || output.write(lines) != lines.size() ||
-        !output.flush()) {
-        return false;
-    }
-    return part->finish() && part->commit(true) && StableStorage::syncFolder(part->folder());
+    return write(part->partPath(), records) && part->finish() && part->commit(true) &&
+           StableStorage::syncFolder(part->folder());
 }

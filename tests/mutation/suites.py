@@ -86,10 +86,11 @@ SUITES = (
     Suite(
         "archive",
         (CONVERSION + "*.cpp",),
-        ("ArchiveHistoryTest", "ArchiveLockTest", "ArchivePageTest", "ArchiveParcelsTest", "ArchiveProgressTest",
-         "ArchiveScheduleTest", "ArchiveSettingsTest", "AtomicFileTest", "BoundedServerTest",
-         "DocumentBatchTest", "DocumentJobTest", "DocumentRecordTest", "HtmlTextTest",
-         "LoginFileTest", "MachineRecordTest", "ProcessLimitsTest")
+        ("ArchiveHistoryTest", "ArchiveLockTest", "ArchivePageTest", "ArchiveParcelsTest",
+         "ArchiveProgressTest", "ArchiveReportTest", "ArchiveScheduleTest", "ArchiveSettingsTest",
+         "AtomicFileTest", "BoundedServerTest", "DocumentBatchTest", "DocumentJobTest",
+         "DocumentRecordTest", "HtmlTextTest", "LoginFileTest", "MachineRecordTest",
+         "ProcessLimitsTest")
         + ARCHIVE_PARTS
         + ("ArchivePage", "ArchiveMachines"),
     ),

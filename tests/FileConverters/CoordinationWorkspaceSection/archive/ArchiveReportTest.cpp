@@ -1,0 +1,128 @@
+#include "FileConverters/CoordinationWorkspaceSection/ArchiveReport.h"
+
+#include <QtTest>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace {
+
+// A process of a sanitizer takes more address space than any limit.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool IS_SANITIZED = true;
+#else
+constexpr bool IS_SANITIZED = false;
+#endif
+
+constexpr int MEGABYTE = 1000000;
+
+rlim_t addressSpace()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    const bool isOpen = file.open(QIODevice::ReadOnly);
+    return isOpen ? file.readAll().split(' ')[0].toULongLong() *
+                        static_cast<rlim_t>(sysconf(_SC_PAGESIZE))
+                  : 0;
+}
+
+} // namespace
+
+class ArchiveReportTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { m_folder = std::make_unique<QTemporaryDir>(); }
+    void aReportIsReplacedByOneLineADocument();
+    void aReportThatIsRightStaysAsItIs_data();
+    void aReportThatIsRightStaysAsItIs();
+    void aReportMayBeLargerThanMemory();
+
+private:
+    QString file() const { return m_folder->filePath(QStringLiteral("report.jsonl")); }
+    QByteArray bytes() const;
+    static DocumentRecord record(const QString& path);
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+QByteArray ArchiveReportTest::bytes() const
+{
+    QFile report(file());
+    return report.open(QIODevice::ReadOnly) ? report.readAll() : QByteArray();
+}
+
+DocumentRecord ArchiveReportTest::record(const QString& path)
+{
+    DocumentRecord made;
+    made.path = path;
+    return made;
+}
+
+void ArchiveReportTest::aReportIsReplacedByOneLineADocument()
+{
+    QVERIFY(ArchiveReport::append(file(), {record("b"), record("a"), record("b")}));
+    ArchiveReport::Records records = ArchiveReport::read(file());
+    QCOMPARE(records.keys(), QStringList({"a", "b"}));
+    QVERIFY(ArchiveReport::replace(file(), records));
+    QCOMPARE(bytes(), record("a").toLine() + record("b").toLine());
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
+             QStringList("report.jsonl"));
+}
+
+void ArchiveReportTest::aReportThatIsRightStaysAsItIs_data()
+{
+    const QByteArray right = record("a").toLine() + record("b").toLine();
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<bool>("stays");
+    QTest::newRow("right") << right << true;
+    QTest::newRow("one line short") << record("a").toLine() << false;
+    QTest::newRow("one line more") << right + record("c").toLine() << false;
+    QTest::newRow("another order") << record("b").toLine() + record("a").toLine() << false;
+    QTest::newRow("one byte short") << right.chopped(1) << false;
+    QTest::newRow("nothing") << QByteArray() << false;
+}
+
+void ArchiveReportTest::aReportThatIsRightStaysAsItIs()
+{
+    QFETCH(QByteArray, before);
+    QFile report(file());
+    QVERIFY(report.open(QIODevice::WriteOnly));
+    report.write(before);
+    report.close();
+    QVERIFY(report.open(QIODevice::ReadOnly)); // its own file, whatever has its name then
+    QVERIFY(ArchiveReport::replace(file(), {{"a", record("a")}, {"b", record("b")}}));
+    QCOMPARE(bytes(), record("a").toLine() + record("b").toLine());
+    QFile link(QStringLiteral("/proc/self/fd/%1").arg(report.handle()));
+    QTEST(link.symLinkTarget() == file(), "stays");
+}
+
+void ArchiveReportTest::aReportMayBeLargerThanMemory()
+{
+    if (IS_SANITIZED) {
+        QSKIP("a sanitizer runs within no limit on memory");
+    }
+    ArchiveReport::Records records;
+    DocumentRecord large = record("a");
+    large.reason = QStringLiteral("not-read");
+    large.text = QString(MEGABYTE, 'x'); // which all of them share
+    for (int number = 0; number < 50; ++number) {
+        large.path = QString::number(number);
+        records.insert(large.path, large);
+    }
+    rlimit before{};
+    getrlimit(RLIMIT_AS, &before);
+    const rlimit little{addressSpace() + 40 * MEGABYTE, before.rlim_max};
+
+    setrlimit(RLIMIT_AS, &little);
+    const bool isWritten = ArchiveReport::replace(file(), records);
+    const bool isKept = ArchiveReport::replace(file(), records);
+    setrlimit(RLIMIT_AS, &before);
+
+    QVERIFY(isWritten && isKept);
+    QVERIFY(QFileInfo(file()).size() > 50 * MEGABYTE);
+}
+
+QTEST_GUILESS_MAIN(ArchiveReportTest)
+
+#include "ArchiveReportTest.moc"
