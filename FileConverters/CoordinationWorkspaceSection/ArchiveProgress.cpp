@@ -2,6 +2,7 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
 
+#include <algorithm>
 #include <iostream>
 #include <utility>
 
@@ -47,7 +48,8 @@ QString ArchiveProgress::textAfter(qint64 milliseconds) const
     QString text = QStringLiteral("%1 of %2 %3")
                        .arg(QString::number(m_countDone), QString::number(m_count), m_what);
     if (m_bytesDone > 0) {
-        const auto left = static_cast<double>(m_bytes - m_bytesDone);
+        // Documents may have grown since they were counted.
+        const auto left = static_cast<double>(std::max<qint64>(0, m_bytes - m_bytesDone));
         const double pace = static_cast<double>(milliseconds) / static_cast<double>(m_bytesDone);
         text += QStringLiteral(", %1 left").arg(durationText(static_cast<qint64>(left * pace)));
     }
