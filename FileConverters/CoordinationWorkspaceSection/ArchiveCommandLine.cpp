@@ -63,8 +63,11 @@ bool parseLimit(const QCommandLineParser& parser, const char* name, qint64 unit,
         limit = 0;
         return true;
     }
+    if (!isNumber || number <= 0 || number > MOST) {
+        return false;
+    }
     limit = number * unit;
-    return isNumber && number > 0 && number <= MOST;
+    return true;
 }
 
 bool parseJobs(const QCommandLineParser& parser, int& jobs)
