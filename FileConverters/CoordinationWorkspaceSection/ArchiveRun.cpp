@@ -259,8 +259,7 @@ bool ArchiveRun::plan()
                              bytesOf(entries), isTerminal());
     for (const ArchiveEntry& entry : entries) {
         if (StopSignals::isStopping()) {
-            progress.clear();
-            return false;
+            break;
         }
         if (entry.reason.isEmpty()) {
             planDocument(entry);
@@ -271,6 +270,9 @@ bool ArchiveRun::plan()
         progress.show();
     }
     progress.clear();
+    if (StopSignals::isStopping()) {
+        return false;
+    }
     countGone(entries);
     return true;
 }

@@ -2,6 +2,7 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/ArchiveSettings.h"
 #include "FileConverters/CoordinationWorkspaceSection/AtomicFile.h"
+#include "FileConverters/CoordinationWorkspaceSection/StopSignals.h"
 
 #include <QFile>
 #include <QStringList>
@@ -94,8 +95,8 @@ private:
     void visitFolder(const fs::path& folder)
     {
         std::error_code error;
-        for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-             entry.increment(error)) {
+        for (fs::directory_iterator entry(folder, error), end;
+             !error && entry != end && !StopSignals::isStopping(); entry.increment(error)) {
             if (!isOurs(*entry)) {
                 visit(*entry);
             }

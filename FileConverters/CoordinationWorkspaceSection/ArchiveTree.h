@@ -27,7 +27,10 @@ struct ArchiveEntry
  */
 namespace ArchiveTree {
 
-/** All entries, by path: the folders themselves are none, unless they cannot be read. */
+/**
+ * All entries, by path: the folders themselves are none, unless they cannot be read. Some are left
+ * out when the program is asked to stop meanwhile (StopSignals).
+ */
 std::vector<ArchiveEntry> find(const QString& folder);
 
 /**

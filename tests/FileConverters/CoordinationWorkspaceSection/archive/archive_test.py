@@ -482,8 +482,9 @@ class WrongUsage(ArchiveTest):
         source, target = self.archive.source, self.archive.target
         for wrong in ("--timeout=0", "--timeout=x", "--timeout=-1", "--timeout=", "--memory=0",
                       "--memory=1.5", "--jobs=0", "--jobs=x", "--jobs=100000", "--force=yes",
-                      "--unknown", "--memory=99999999999999999999", "--machines=",
-                      "--machines=/nowhere"):
+                      "--unknown", "--memory=99999999999999999999",
+                      "--memory=9223372036854775807", "--timeout=9223372036854775807",
+                      "--machines=", "--machines=/nowhere"):
             with self.subTest(option=wrong):
                 self.refuse(wrong, source, target)
         self.refuse()
@@ -759,6 +760,19 @@ class TakingUp(ArchiveTest):
         self.assertEqual(run.wait(60), DONE)
         run.communicate()
         self.assertEqual(set(self.archive.targets()), {"a.xml"})
+
+    def test_a_signal_stops_the_search_for_documents(self):
+        paths = [self.archive.add(f"{number % 3}/{number}.xml", CLEAN) for number in range(9)]
+        run = subprocess.run(
+            ["strace", "-o", self.folder / "opened", *(word for path in paths for word in ("-P", path)),
+             "-e", "trace=openat", "-e", "inject=openat:signal=TERM:when=1",
+             *self.archive.arguments()],
+            capture_output=True, timeout=60, env=UNDER_STRACE)  # fmt: skip
+        self.assertEqual((run.returncode, run.stdout), (STOPPED, b""))
+        self.assertEqual((self.folder / "opened").read_text().count("openat("), 1)
+        self.assertEqual(self.archive.targets(), {})
+        self.run_archive(DONE)
+        self.assertEqual(len(self.archive.targets()), 9)
 
     def test_a_signal_stops_the_look_at_what_is_done(self):
         self.archive.add("a.xml", CLEAN)
