@@ -66,6 +66,16 @@ int openDescriptors()
     return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries).size();
 }
 
+bool throwsSystemError(BoundedServer& server)
+{
+    try {
+        server.ask("b", {});
+    } catch (const std::system_error&) {
+        return true;
+    }
+    return false;
+}
+
 } // namespace
 
 class BoundedServerTest : public QObject
@@ -178,9 +188,10 @@ void BoundedServerTest::withoutDescriptorsItCannotBegin()
     BoundedServer server(work);
 
     setrlimit(RLIMIT_NOFILE, &few);
-    QVERIFY_EXCEPTION_THROWN(server.ask("b", {}), std::system_error);
+    const bool hasThrown = throwsSystemError(server);
     setrlimit(RLIMIT_NOFILE, &before);
 
+    QVERIFY(hasThrown);
     QCOMPARE(openDescriptors(), open);
     QCOMPARE(*server.ask("b", {}), QByteArray("answer to b"));
 }
