@@ -21,6 +21,13 @@ private slots:
     void lineWithoutEndIsNoRecord();
     void anyNumberOfSecondsMakesALine_data();
     void anyNumberOfSecondsMakesALine();
+    void identityIsSizeAndHash_data();
+    void identityIsSizeAndHash();
+    void whatCannotBeReadHasNoIdentity_data();
+    void whatCannotBeReadHasNoIdentity();
+    void identitiesDifferBySizeOrHash();
+    void filesGoThroughALineAndBack();
+    void howLongItTookMakesNoOtherRecord();
 };
 
 namespace {
@@ -171,6 +178,77 @@ void DocumentRecordTest::anyNumberOfSecondsMakesALine()
     const QJsonObject object = QJsonDocument::fromJson(read->toLine()).object();
     QCOMPARE(object["path"].toString(), QStringLiteral("a.xml"));
     QCOMPARE(object["seconds"], QJsonValue(seconds));
+}
+
+void DocumentRecordTest::identityIsSizeAndHash_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("sha256"); // FIPS 180-4 and its examples
+    QTest::newRow("empty") << QByteArray()
+                           << "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
+    QTest::newRow("a few") << QByteArray("abc")
+                           << "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
+    QTest::newRow("a million")
+        << QByteArray(1000000, 'a')
+        << "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0";
+}
+
+void DocumentRecordTest::identityIsSizeAndHash()
+{
+    QFETCH(QByteArray, bytes);
+    QTemporaryFile file;
+    QVERIFY(file.open());
+    file.write(bytes);
+    file.close();
+    const auto identity = FileIdentity::of(file.fileName());
+    QVERIFY(identity);
+    QCOMPARE(identity->size, qint64(bytes.size()));
+    QTEST(identity->sha256, "sha256");
+}
+
+void DocumentRecordTest::whatCannotBeReadHasNoIdentity_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("not there") << "/nowhere";
+    QTest::newRow("a folder") << "/";
+    QTest::newRow("fails at its first byte") << "/proc/self/mem"; // no process has that address
+}
+
+void DocumentRecordTest::whatCannotBeReadHasNoIdentity()
+{
+    QFETCH(QString, path);
+    QVERIFY(!FileIdentity::of(path));
+}
+
+void DocumentRecordTest::identitiesDifferBySizeOrHash()
+{
+    const FileIdentity one{1, QStringLiteral("0f")};
+    QVERIFY(one == (FileIdentity{1, QStringLiteral("0f")}));
+    QVERIFY(one != (FileIdentity{2, QStringLiteral("0f")}));
+    QVERIFY(one != (FileIdentity{1, QStringLiteral("1f")}));
+}
+
+void DocumentRecordTest::filesGoThroughALineAndBack()
+{
+    DocumentRecord record = convertedRecord();
+    record.source = FileIdentity{1, QStringLiteral("01")};
+    record.target = FileIdentity{2, QStringLiteral("02")};
+    record.earlier = FileIdentity{3, QStringLiteral("03")};
+    const auto read = DocumentRecord::fromLine(record.toLine());
+    QVERIFY(read);
+    QVERIFY(read->source == record.source);
+    QVERIFY(read->target == record.target);
+    QVERIFY(read->earlier == record.earlier);
+}
+
+void DocumentRecordTest::howLongItTookMakesNoOtherRecord()
+{
+    const DocumentRecord record = convertedRecord();
+    DocumentRecord slow = record;
+    slow.seconds = 9;
+    QVERIFY(record.tellsTheSameAs(slow));
+    slow.outcome = DocumentRecord::LOSSY;
+    QVERIFY(!record.tellsTheSameAs(slow));
 }
 
 QTEST_GUILESS_MAIN(DocumentRecordTest)
