@@ -218,6 +218,18 @@ class Documents(ArchiveTest):
             "secret.xml": ("failed", "not-readable"), "closed": ("failed", "not-readable"),
             "clean.xml": ("converted", None)})
 
+    def test_a_source_that_may_not_be_read(self):
+        user = self.as_another_user()
+        self.archive.add("clean.xml", CLEAN)
+        self.give_away()
+        self.addCleanup(self.archive.source.chmod, 0o755)
+        for mode in (0o333, 0o666):
+            with self.subTest(mode=oct(mode)):
+                self.archive.source.chmod(mode)
+                run = self.run_archive(USAGE, **user)
+                self.assertIn(b"SOURCE may not be read", run.stderr)
+                self.assertFalse(self.archive.target.exists())
+
     def test_where_nothing_may_be_written(self):
         user = self.as_another_user()
         self.archive.add("sub/clean.xml", CLEAN)
@@ -830,6 +842,17 @@ class HostileDocuments(ArchiveTest):
         process = (self.folder / "started").read_text().strip()
         self.assertFalse(pathlib.Path("/proc", process).exists())
 
+    def test_a_report_that_is_lost_while_a_worker_dies(self):
+        """What stands is not known then, so nothing is begun any more."""
+        self.archive.add("a.xml", CLEAN)
+        runs = self.folder / "runs"
+        pending = self.archive.target / ".coordworkspace/pending.jsonl"
+        self.put_in_place(WORKER, f"echo >> '{runs}'\nrm -f '{pending}'\n"
+                                  f"mkdir -p '{pending}/taken'\nkill -9 $$")
+        run = self.run_archive(NOT_WRITTEN)
+        self.assertIn(b"cannot be written", run.stderr)
+        self.assertEqual((run.stdout, runs.read_text()), (b"", "\n"))
+
     def test_a_worker_that_dies_takes_no_neighbour_along(self):
         for number in range(40):
             self.archive.add(f"{number:02}.xml", CLEAN)
@@ -990,16 +1013,47 @@ class Streams(ArchiveTest):
         self.assertIn(b"GNU Parallel", run.stderr)
         self.assertFalse(self.archive.target.exists())
 
-    def test_another_program_of_that_name(self):
-        self.archive.add("a.xml", CLEAN)
+    def with_parallel(self, script):
+        """An environment in which the script stands in for GNU Parallel."""
         other = self.folder / "bin/parallel"
         other.parent.mkdir()
-        other.write_text("#!/bin/sh\necho 'parallel: invalid option' >&2\nexit 1\n")
+        other.write_text(script)
         other.chmod(0o755)
-        run = self.run_archive(UNAVAILABLE, env={"PATH": f"{other.parent}:{os.environ['PATH']}"})
+        return {**os.environ, "PATH": f"{other.parent}:{os.environ['PATH']}"}
+
+    def test_another_program_of_that_name(self):
+        self.archive.add("a.xml", CLEAN)
+        environment = self.with_parallel(
+            "#!/bin/sh\necho 'parallel: invalid option' >&2\nexit 1\n")
+        run = self.run_archive(UNAVAILABLE, env=environment)
         self.assertIn(b"is not GNU Parallel", run.stderr)
         self.assertEqual((run.stdout, self.archive.targets()), (b"", {}))
         self.run_archive(DONE)
+
+    def test_a_parallel_that_cannot_be_started(self):
+        self.archive.add("a.xml", CLEAN)
+        run = self.run_archive(UNAVAILABLE, env=self.with_parallel("#!/nowhere/sh\n"))
+        self.assertEqual(run.stderr, b"coordworkspace-convert-archive: GNU Parallel cannot be"
+                                     b" started\n")
+        self.assertEqual((run.stdout, self.archive.targets()), (b"", {}))
+        self.run_archive(DONE)
+
+    def test_a_parallel_that_breaks_off(self):
+        """Whose jobs may be at work still: it says so with the status that its manual names."""
+        self.archive.add("a.xml", CLEAN)
+        environment = self.with_parallel(
+            f"#!/bin/sh\n'{shutil.which('parallel')}' \"$@\"\nexit 255\n")
+        run = self.run_archive(UNAVAILABLE, env=environment)
+        self.assertIn(b"GNU Parallel broke off", run.stderr)
+        self.assertEqual(run.stdout, b"")
+        self.run_archive(DONE)
+
+    def test_a_current_folder_that_is_gone(self):
+        self.archive.add("a.xml", CLEAN)
+        gone = self.folder / "gone"
+        gone.mkdir()
+        run = self.run_archive(DONE, cwd=gone, preexec_fn=gone.rmdir)
+        self.assertEqual(run.stderr, b"")
 
     def test_a_dry_run_at_a_terminal_mixes_no_lines(self):
         for number in range(4):
