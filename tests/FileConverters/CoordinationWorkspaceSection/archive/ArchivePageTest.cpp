@@ -99,6 +99,7 @@ QDomElement treeOf(const QByteArray& page)
     int line = 0;
     if (!document.setContent(page, &error, &line)) {
         qCritical("line %d: %s", line, qPrintable(error));
+        return {};
     }
     return document.documentElement();
 }
