@@ -5,8 +5,8 @@
 
 #include "fuzz/FuzzTarget.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/InspectCommandLine.h"
-#include "FileConverters/CoordinationWorkspaceSection/ReportJson.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/InspectCommandLine.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/ReportJson.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -9,11 +9,11 @@
 #include "fuzz/MemoryFile.h"
 #include "fuzz/Vocabularies.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/DocumentText.h"
-#include "FileConverters/CoordinationWorkspaceSection/Report.h"
-#include "FileConverters/CoordinationWorkspaceSection/ReportJson.h"
-#include "FileConverters/CoordinationWorkspaceSection/ReportText.h"
-#include "FileConverters/CoordinationWorkspaceSection/TextLayout.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentText.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/Report.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/ReportJson.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/ReportText.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -5,7 +5,7 @@
 
 #include "fuzz/FuzzTarget.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/DocumentRecord.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/DocumentRecord.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

@@ -22,7 +22,7 @@ PARTS = {
     "the keys": ("ZelMain/FrequencyCompatibility/shared/CompatKey.*",),
     "frequency texts": ("ZelMain/Frequency*",),
     "the inspector's verdicts": tuple(
-        CONVERSION + name
+        f"{CONVERSION}inspect/{name}"
         for name in ("*Inspection.*", "ExpectedDocument.*", "Verification.*", "DocumentPlaces.*",
                      "DocumentTree.*", "Finding*.*", "Report.*")
     ),

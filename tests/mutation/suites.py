@@ -73,19 +73,14 @@ SUITES = (
     ),
     Suite(
         "inspector",
-        tuple(
-            CONVERSION + name
-            for name in ("*Inspection.cpp", "DocumentPlaces.cpp", "DocumentText.cpp", "DocumentTree.cpp",
-                         "ExpectedDocument.cpp", "Finding*.cpp", "Inspect*.cpp", "JsonLine.cpp",
-                         "Report*.cpp", "TextLayout.cpp", "Verification.cpp", "inspect_main.cpp")
-        ),
+        (CONVERSION + "inspect/*.cpp",),
         ("InspectionTest", "FindingListTest", "DocumentTextTest", "DocumentPlacesTest",
          "TextLayoutTest", "InspectCommandLineTest", "JsonLineTest", "InspectProgram", "InspectMistakes",
          "InspectAgreement"),
     ),
     Suite(
         "archive",
-        (CONVERSION + "*.cpp",),
+        (CONVERSION + "archive/*.cpp",),
         ("ArchiveHistoryTest", "ArchiveLockTest", "ArchivePageTest", "ArchiveParcelsTest",
          "ArchiveProgressTest", "ArchiveReportTest", "ArchiveScheduleTest", "ArchiveSettingsTest",
          "AtomicFileTest", "BoundedServerTest", "DocumentBatchTest", "DocumentJobTest",

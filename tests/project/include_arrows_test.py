@@ -8,17 +8,18 @@ import pathlib
 import re
 import sys
 
-CONVERTERS = "FileConverters/CoordinationWorkspaceSection"
+CONVERTER = "FileConverters/CoordinationWorkspaceSection"
+INSPECTOR = f"{CONVERTER}/inspect"
+ARCHIVE = f"{CONVERTER}/archive"
 COMPATIBILITY = "ZelMain/FrequencyCompatibility"
 RECORDS = "ZelMain/FrequencyCompatibility/shared"
 
 # Which other folders a folder's files may include from. Files directly in ZelMain are rooms of
 # their own: Frequency and DirectoryMemory know nothing of each other.
 ARROWS = {
-    CONVERTERS: {
-        COMPATIBILITY, RECORDS, "ZelMain/ImportExport", "ZelMain/Diagnostics",
-        "ZelMain/Frequency", "ZelMain/DirectoryMemory",
-    },
+    CONVERTER: {COMPATIBILITY, RECORDS, "ZelMain/ImportExport"},
+    INSPECTOR: {CONVERTER, COMPATIBILITY, RECORDS, "ZelMain/ImportExport"},
+    ARCHIVE: {CONVERTER, INSPECTOR, COMPATIBILITY, RECORDS, "ZelMain/ImportExport"},
     COMPATIBILITY: {RECORDS, "ZelMain/Frequency"},
     RECORDS: set(),
     "ZelMain/ImportExport": {"ZelMain/Diagnostics"},
@@ -36,7 +37,7 @@ def room(path: str) -> str:
     """The room that a source path belongs to, "" for a path outside the house."""
     parts = path.split("/")
     if parts[0] == "FileConverters":
-        return "/".join(parts[:2])
+        return "/".join(parts[:-1])
     if parts[0] != "ZelMain":
         return ""
     folder = "/".join(parts[:-1])
@@ -76,13 +77,15 @@ def check_the_check() -> None:
         (f"{RECORDS}/A.cpp", f'#include "{COMPATIBILITY}/A.h"'),
         (f"{RECORDS}/A.h", "#include <QDomDocument>"),
         (f"{RECORDS}/A.h", '#  include "ZelMain/Frequency.h"'),
+        (f"{CONVERTER}/A.cpp", f'#include "{INSPECTOR}/A.h"'),
+        (f"{INSPECTOR}/A.cpp", f'#include "{ARCHIVE}/A.h"'),
         ("ZelMain/Other/A.cpp", ""),
         ("ZelMain/Frequency.cpp", '#include "../FileConverters/A.h"'),
     ]
     for path, text in must_fail:
         assert list(wrong_includes(path, text)), f"{path}: {text} went unseen"
     must_pass = [
-        (f"{CONVERTERS}/A.cpp", '#include "ZelMain/ImportExport/XmlVersions.h"'),
+        (f"{CONVERTER}/A.cpp", '#include "ZelMain/ImportExport/XmlVersions.h"'),
         (f"{COMPATIBILITY}/A.h", '#include "ZelMain/Frequency.h"\n#include <QDomDocument>'),
         ("ZelMain/FrequencyParsing.cpp", '#include "ZelMain/Frequency.h"'),
     ]

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/ArchiveHistory.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveHistory.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/ArchiveLock.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveLock.h"
 
 #include <QTemporaryDir>
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/ArchivePage.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePage.h"
 
 #include <QBuffer>
 #include <QCryptographicHash>

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/ArchiveParcels.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveParcels.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/ArchiveProgress.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveProgress.h"
 
 #include <QtTest>
 

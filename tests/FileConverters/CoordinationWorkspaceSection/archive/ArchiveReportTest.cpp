@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/ArchiveReport.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveReport.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/ArchiveSchedule.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveSchedule.h"
 
 #include <QtTest>
 

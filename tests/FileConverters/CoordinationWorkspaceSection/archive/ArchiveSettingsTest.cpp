@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/ArchiveSettings.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveSettings.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/AtomicFile.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/AtomicFile.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,5 +1,5 @@
-#include "FileConverters/CoordinationWorkspaceSection/BoundedServer.h"
-#include "FileConverters/CoordinationWorkspaceSection/ProcessLimits.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/BoundedServer.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ProcessLimits.h"
 
 #include <QDir>
 #include <QtTest>

@@ -1,6 +1,6 @@
-#include "FileConverters/CoordinationWorkspaceSection/DocumentBatch.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/DocumentBatch.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/ArchiveReport.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveReport.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/DocumentJob.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/DocumentJob.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
-#include "FileConverters/CoordinationWorkspaceSection/DocumentRecord.h"
-#include "FileConverters/CoordinationWorkspaceSection/Inspection.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/DocumentRecord.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/Inspection.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

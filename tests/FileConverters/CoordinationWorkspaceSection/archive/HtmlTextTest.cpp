@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/HtmlText.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/HtmlText.h"
 
 #include <QXmlStreamReader>
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/LoginFile.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/LoginFile.h"
 
 #include <QtTest>
 

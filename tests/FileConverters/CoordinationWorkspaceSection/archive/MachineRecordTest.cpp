@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/MachineRecord.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/MachineRecord.h"
 
 #include <QtTest>
 

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/ProcessLimits.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ProcessLimits.h"
 
 #include <QtTest>
 

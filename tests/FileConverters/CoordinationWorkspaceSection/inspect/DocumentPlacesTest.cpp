@@ -1,6 +1,6 @@
-#include "FileConverters/CoordinationWorkspaceSection/DocumentPlaces.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentPlaces.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/DocumentText.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentText.h"
 
 #include <QDomDocument>
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/DocumentText.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentText.h"
 
 #include <QtTest>
 

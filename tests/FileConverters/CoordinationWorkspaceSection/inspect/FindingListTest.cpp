@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/FindingList.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
 
 #include <QtTest>
 

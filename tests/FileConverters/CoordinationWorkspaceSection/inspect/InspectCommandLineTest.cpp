@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/InspectCommandLine.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/InspectCommandLine.h"
 
 #include <QtTest>
 

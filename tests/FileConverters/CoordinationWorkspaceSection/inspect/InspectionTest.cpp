@@ -1,6 +1,6 @@
-#include "FileConverters/CoordinationWorkspaceSection/Inspection.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/Inspection.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/DocumentText.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentText.h"
 
 #include <QSet>
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/JsonLine.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/JsonLine.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,4 +1,4 @@
-#include "FileConverters/CoordinationWorkspaceSection/TextLayout.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 
 #include <QtTest>
 

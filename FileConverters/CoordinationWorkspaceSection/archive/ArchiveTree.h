@@ -1,0 +1,54 @@
+#pragma once
+
+#include "FileConverters/CoordinationWorkspaceSection/archive/DocumentRecord.h"
+
+#include <QString>
+
+#include <vector>
+
+/** Something that stands in an archive's folder or below. */
+struct ArchiveEntry
+{
+    /** Below the archive's folder. A byte that is no UTF-8 shows as U+FFFD and two hex digits. */
+    QString path;
+    qint64 size = 0;
+    QString reason; ///< why it is no document to convert, for programs; empty when it may be one
+    QString text;   ///< why, for people
+    DocumentRecord::Outcome outcome = DocumentRecord::REFUSED; ///< when there is a reason
+};
+
+/**
+ * The folders of an archive.
+ *
+ * Links to files count as the files that they lead to. Links to folders are not followed: they
+ * could lead round in circles, or out of the archive. What runs themselves keep or leave behind is
+ * not part of an archive. Of a file that does not begin as XML does, only the beginning is read: an
+ * archive may hold recordings of any size.
+ */
+namespace ArchiveTree {
+
+/**
+ * All entries, by path: the folders themselves are none, unless they cannot be read. Some are left
+ * out when the program is asked to stop meanwhile (StopSignals).
+ */
+std::vector<ArchiveEntry> find(const QString& folder);
+
+/**
+ * Removes the files that killed runs have left unfinished. A folder below that is the target of
+ * other runs is left to them.
+ */
+void sweep(const QString& folder);
+
+/** The absolute path without links on the way, as far as it exists. */
+QString realPath(const QString& path);
+
+/** Whether the folders are the same, or one stands inside the other. They need not exist. */
+bool overlap(const QString& one, const QString& other);
+
+/**
+ * Whether a file can be given that path below the folder: what stands on the way to it are folders,
+ * no links, and in its own place stands nothing or, at most, something that is no folder.
+ */
+bool hasPlaceFor(const QString& folder, const QString& path);
+
+} // namespace ArchiveTree

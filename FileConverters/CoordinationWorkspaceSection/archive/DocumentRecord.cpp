@@ -1,0 +1,178 @@
+#include "FileConverters/CoordinationWorkspaceSection/archive/DocumentRecord.h"
+
+#include "FileConverters/CoordinationWorkspaceSection/inspect/JsonLine.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <memory>
+
+#include <openssl/evp.h>
+
+namespace {
+
+// Changes only when a program that knows the number before could misread a line.
+constexpr int FORMAT = 1;
+constexpr double MILLISECONDS = 1000.0;
+// What another machine tells may be anything.
+constexpr double MOST_SECONDS = 1e9;
+constexpr double MOST_BYTES = 1LL << 53; // that a double counts one by one
+constexpr int CHUNK = 65536;
+
+// In the order of the outcomes.
+constexpr std::array OUTCOMES = {"converted", "current", "lossy", "refused", "limit", "failed"};
+
+void addLosses(const std::vector<LossSummary>& losses, JsonLine& line)
+{
+    line.beginArray("losses");
+    for (const LossSummary& loss : losses) {
+        line.beginObject();
+        line.add("count", loss.count);
+        line.add("kind", loss.kind);
+        line.add("line", loss.line);
+        line.add("path", loss.path);
+        line.add("text", loss.text);
+        line.endObject();
+    }
+    line.endArray();
+}
+
+std::vector<LossSummary> lossesFrom(const QJsonArray& array)
+{
+    std::vector<LossSummary> losses;
+    for (const QJsonValue& loss : array) {
+        losses.push_back({loss["kind"].toString(), loss["count"].toInt(), loss["line"].toInt(),
+                          loss["path"].toString(), loss["text"].toString()});
+    }
+    return losses;
+}
+
+} // namespace
+
+void FileIdentity::addTo(JsonLine& line, const char* key) const
+{
+    line.beginObject(key);
+    line.add("sha256", sha256);
+    line.add("size", size);
+    line.endObject();
+}
+
+std::optional<FileIdentity> FileIdentity::fromJson(const QJsonValue& value)
+{
+    if (!value.isObject()) {
+        return std::nullopt;
+    }
+    const double size = std::clamp(value["size"].toDouble(), 0.0, MOST_BYTES);
+    return FileIdentity{static_cast<qint64>(size), value["sha256"].toString()};
+}
+
+std::optional<FileIdentity> FileIdentity::of(const QString& path)
+{
+    // QCryptographicHash takes nine times as long: it knows nothing of the processor's
+    // instructions.
+    const std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> digest(EVP_MD_CTX_new(),
+                                                                    EVP_MD_CTX_free);
+    QFile file(path);
+    if (!digest || EVP_DigestInit_ex(digest.get(), EVP_sha256(), nullptr) != 1 ||
+        !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
+        return std::nullopt;
+    }
+    QByteArray chunk(CHUNK, Qt::Uninitialized);
+    qint64 size = 0;
+    qint64 count = 0;
+    while ((count = file.read(chunk.data(), CHUNK)) > 0) {
+        size += count;
+        EVP_DigestUpdate(digest.get(), chunk.constData(), static_cast<std::size_t>(count));
+    }
+    QByteArray result(EVP_MAX_MD_SIZE, Qt::Uninitialized);
+    unsigned int length = 0;
+    if (count < 0 ||
+        EVP_DigestFinal_ex(digest.get(), reinterpret_cast<unsigned char*>(result.data()),
+                           &length) != 1) {
+        return std::nullopt;
+    }
+    result.truncate(static_cast<int>(length));
+    return FileIdentity{size, QString::fromLatin1(result.toHex())};
+}
+
+bool operator==(const FileIdentity& one, const FileIdentity& other)
+{
+    return one.size == other.size && one.sha256 == other.sha256;
+}
+
+bool operator!=(const FileIdentity& one, const FileIdentity& other)
+{
+    return !(one == other);
+}
+
+QString DocumentRecord::nameOf(Outcome outcome)
+{
+    return QLatin1String(OUTCOMES[static_cast<std::size_t>(outcome)]);
+}
+
+// In the order of the keys' names, by which reports have always stood.
+QByteArray DocumentRecord::toLine() const
+{
+    JsonLine line;
+    if (earlier) {
+        earlier->addTo(line, "earlier");
+    }
+    line.add("format", FORMAT);
+    addLosses(losses, line);
+    line.add("outcome", nameOf(outcome));
+    line.add("path", path);
+    if (!reason.isEmpty()) {
+        line.add("reason", reason);
+    }
+    line.add("seconds", std::round(seconds * MILLISECONDS) / MILLISECONDS);
+    if (source) {
+        source->addTo(line, "source");
+    }
+    if (systems) {
+        ChangedSystem::addTo(line, "systems", *systems);
+    }
+    if (target) {
+        target->addTo(line, "target");
+    }
+    if (!reason.isEmpty()) {
+        line.add("text", text);
+    }
+    line.add("verified", isVerified);
+    return line.take();
+}
+
+std::optional<DocumentRecord> DocumentRecord::fromLine(const QByteArray& line)
+{
+    const QJsonObject object = QJsonDocument::fromJson(line).object();
+    const auto* const outcome =
+        std::find_if(OUTCOMES.begin(), OUTCOMES.end(),
+                     [&](const char* name) { return object["outcome"] == QLatin1String(name); });
+    if (object["format"] != FORMAT || outcome == OUTCOMES.end()) {
+        return std::nullopt;
+    }
+    DocumentRecord record;
+    record.path = object["path"].toString();
+    record.outcome = static_cast<Outcome>(outcome - OUTCOMES.begin());
+    record.reason = object["reason"].toString();
+    record.text = object["text"].toString();
+    record.source = FileIdentity::fromJson(object["source"]);
+    record.target = FileIdentity::fromJson(object["target"]);
+    record.earlier = FileIdentity::fromJson(object["earlier"]);
+    record.losses = lossesFrom(object["losses"].toArray());
+    record.systems = ChangedSystem::fromJson(object["systems"]);
+    record.isVerified = object["verified"].toBool();
+    record.seconds = std::clamp(object["seconds"].toDouble(), 0.0, MOST_SECONDS);
+    return record;
+}
+
+bool DocumentRecord::tellsTheSameAs(const DocumentRecord& other) const
+{
+    DocumentRecord sameTime = other;
+    sameTime.seconds = seconds;
+    return toLine() == sameTime.toLine();
+}

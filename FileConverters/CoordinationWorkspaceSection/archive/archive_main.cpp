@@ -1,0 +1,79 @@
+#include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
+#include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveCommandLine.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveRun.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/StopSignals.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <iostream>
+
+namespace {
+
+ArchiveStatus refuse(const QString& problem)
+{
+    writeUtf8(QStringLiteral("coordworkspace-convert-archive: %1\n"
+                             "coordworkspace-convert-archive --help tells the usage\n")
+                  .arg(problem),
+              std::cerr);
+    return ARCHIVE_USAGE;
+}
+
+ArchiveStatus convert(ArchiveCommandLine commandLine)
+{
+    const QString worker = ProcessSetup::fromThisProgram(HELPER_PATH);
+    commandLine.settings.converter =
+        ProcessSetup::fromThisProgram("CoordWorkSpaceSectionConverter0_3");
+    for (const QString& program : {worker, commandLine.settings.converter}) {
+        if (!QFileInfo(program).isExecutable()) {
+            writeUtf8(QStringLiteral("coordworkspace-convert-archive: a program is missing: %1\n")
+                          .arg(program),
+                      std::cerr);
+            return ARCHIVE_UNAVAILABLE;
+        }
+    }
+    ArchiveRun run(commandLine, worker);
+    const QString objection = run.objection();
+    return objection.isEmpty() ? run.run() : refuse(objection);
+}
+
+ArchiveStatus show(ArchiveCommandLine::Task task)
+{
+    if (task == ArchiveCommandLine::SHOW_HELP) {
+        writeUtf8(ArchiveCommandLine::helpText(), std::cout);
+    } else if (task == ArchiveCommandLine::SHOW_VERSION) {
+        std::cout << "coordworkspace-convert-archive " ARCHIVE_VERSION "\n";
+    } else {
+        QFile schema(QStringLiteral(":/archive-report.schema.json"));
+        schema.open(QIODevice::ReadOnly);
+        std::cout << schema.readAll().constData();
+    }
+    return ARCHIVE_DONE;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    ProcessSetup::keepClosedStreamsClosed();
+    ProcessSetup::reportWriteFailuresAsErrors();
+    ProcessSetup::shutOutTheEnvironment();
+    StopSignals::watch();
+    std::ios::sync_with_stdio(false);
+
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.append(QString(argv[i]));
+    }
+    ArchiveCommandLine commandLine;
+    const QString problem = commandLine.parse(arguments);
+    if (!problem.isEmpty()) {
+        return refuse(problem);
+    }
+    const ArchiveStatus status = commandLine.task == ArchiveCommandLine::CONVERT
+                                     ? convert(commandLine)
+                                     : show(commandLine.task);
+    std::cout.flush();
+    return std::cout.good() ? status : std::max(status, ARCHIVE_NOT_WRITTEN);
+}

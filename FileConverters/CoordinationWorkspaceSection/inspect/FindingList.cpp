@@ -1,0 +1,58 @@
+#include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+constexpr int SHOWN_CHARACTERS = 40;
+
+} // namespace
+
+void FindingList::add(Finding::Kind kind, const QDomElement& element, const QString& text)
+{
+    m_findings.push_back({kind, m_places.of(element), text});
+}
+
+void FindingList::addAttribute(Finding::Kind kind, const QDomElement& element,
+                               const QString& attribute, const QString& text)
+{
+    m_findings.push_back({kind, m_places.ofAttribute(element, attribute), text});
+}
+
+Findings FindingList::losses() const
+{
+    return sorted(true);
+}
+
+Findings FindingList::notes() const
+{
+    return sorted(false);
+}
+
+Findings FindingList::sorted(bool losses) const
+{
+    Findings chosen;
+    std::copy_if(
+        m_findings.begin(), m_findings.end(), std::back_inserter(chosen),
+        [losses](const Finding& finding) { return Finding::isLoss(finding.kind) == losses; });
+    std::stable_sort(chosen.begin(), chosen.end(), [](const Finding& left, const Finding& right) {
+        return left.place.line < right.place.line;
+    });
+    return chosen;
+}
+
+QString FindingList::quoted(const QString& value)
+{
+    QString shown = value.left(SHOWN_CHARACTERS);
+    if (!shown.isEmpty() && shown.at(shown.size() - 1).isHighSurrogate()) {
+        shown.chop(1);
+    }
+    for (QChar& character : shown) {
+        if (character.category() == QChar::Other_Control) {
+            character = QLatin1Char(' ');
+        }
+    }
+    const QString cut = value.size() > SHOWN_CHARACTERS ? QStringLiteral("...") : QString();
+    return QStringLiteral("\"%1%2\"").arg(shown, cut);
+}
