@@ -353,6 +353,14 @@ class Verification(Inspect):
             told = self.inspect("--verify", self.folder / "before.xml", after).stdout.decode()
             self.assertIn(error["text"], told)
 
+    def test_the_one_of_two_that_cannot_be_read_is_named(self):
+        good, gone = self.write("good.xml", sound()), self.folder / "gone.xml"
+        for documents, words in (((gone, good), "the document before: "),
+                                 ((good, gone), "the document after: ")):
+            error = self.json_line(self.inspect("--json", "--verify", *documents))["error"]
+            self.assertEqual(error["kind"], "not-readable")
+            self.assertTrue(error["text"].startswith(words), error["text"])
+
     def test_declarations_and_instructions_are_content(self):
         def document(prolog, inside):
             return sound().replace("<coordinated", prolog + "<coordinated").replace(
