@@ -127,8 +127,9 @@ std::optional<QVector<ChangedSystem>> ChangedSystem::fromJson(const QJsonValue& 
     if (!array.isArray()) {
         return std::nullopt;
     }
+    const QJsonArray values = array.toArray();
     QVector<ChangedSystem> systems;
-    for (const QJsonValue& system : array.toArray()) {
+    for (const QJsonValue& system : values) {
         systems.append(systemFrom(system));
     }
     return systems;

@@ -180,7 +180,7 @@ void BoundedServerTest::withoutDescriptorsItCannotBegin()
         QSKIP("a sanitizer looks at memory through descriptors");
     }
     QFETCH(int, left);
-    const rlim_t beyond = freeDescriptors(left + 1).back();
+    const auto beyond = static_cast<rlim_t>(freeDescriptors(left + 1).back());
     const int open = openDescriptors();
     rlimit before{};
     getrlimit(RLIMIT_NOFILE, &before);
