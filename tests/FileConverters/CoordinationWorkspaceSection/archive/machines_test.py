@@ -325,10 +325,12 @@ class MachinesThatGo(MachinesTest):
         self.network.gone.touch()
         one.cut_off()
         one.start()
+        begun = len(self.places())
         (self.folder / "wait").unlink(missing_ok=True)
         self.network.gone.unlink()
         self.finish_here(run)
-        self.assertEqual(set(self.places()), {"one"})
+        # On a busy machine a document may have been given up there and be converted here.
+        self.assertIn("one", self.places()[begun:])
 
     def test_one_that_hangs(self):
         one = self.use_one(shares_connection=False)
