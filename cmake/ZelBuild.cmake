@@ -58,6 +58,10 @@ endif()
 if(ZEL_SANITIZE)
     set(zel_sanitize_flags -fsanitize=${ZEL_SANITIZE} -fno-sanitize-recover=all
         -fno-omit-frame-pointer)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+        list(APPEND zel_sanitize_flags
+            -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/fuzz/sanitizer-ignorelist.txt)
+    endif()
     target_compile_options(zel_build_settings INTERFACE ${zel_sanitize_flags})
     target_link_options(zel_build_settings INTERFACE ${zel_sanitize_flags})
 endif()
