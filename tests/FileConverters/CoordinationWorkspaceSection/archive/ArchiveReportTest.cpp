@@ -1,4 +1,5 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveReport.h"
+#include "tests/support/Sanitizer.h"
 
 #include <QtTest>
 
@@ -6,13 +7,6 @@
 #include <unistd.h>
 
 namespace {
-
-// A process of a sanitizer takes more address space than any limit.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool IS_SANITIZED = true;
-#else
-constexpr bool IS_SANITIZED = false;
-#endif
 
 constexpr int MEGABYTE = 1000000;
 constexpr int LARGE_RECORDS = 50;

@@ -1,5 +1,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/BoundedServer.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ProcessLimits.h"
+#include "tests/support/Sanitizer.h"
 
 #include <QDir>
 #include <QtTest>
@@ -14,13 +15,6 @@
 #include <unistd.h>
 
 namespace {
-
-// A process of a sanitizer takes more address space than any limit.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool IS_SANITIZED = true;
-#else
-constexpr bool IS_SANITIZED = false;
-#endif
 
 constexpr qint64 PLENTY = 2000000000;
 constexpr int MEGABYTE = 1000000;
