@@ -68,6 +68,9 @@ void forEachChild(const QDomElement& parent, Visit visit)
 template <typename Visit>
 void forEachAttribute(const QDomElement& element, Visit visit)
 {
+    if (!element.hasAttributes()) {
+        return;
+    }
     const QDomNamedNodeMap attributes = element.attributes();
     for (int i = 0; i < attributes.size(); ++i) {
         const QDomAttr attribute = attributes.item(i).toAttr();
@@ -121,19 +124,21 @@ void inspectLeaf(const QDomElement& element, FindingList& findings)
     forEachChild(element, [&](const QDomElement& child) { addUnread(child, findings); });
 }
 
-void inspectNumber(const QDomElement& element, const QString& consequence, FindingList& findings)
+/** @param text  the element's. */
+void inspectNumber(const QDomElement& element, const QString& text, const QString& consequence,
+                   FindingList& findings)
 {
     bool isNumber = false;
-    element.text().toInt(&isNumber);
+    text.toInt(&isNumber);
     if (!isNumber) {
         findings.add(Finding::NUMBER_UNREADABLE, element,
                      QStringLiteral("%1 is no whole number of 32 bits and counts as 0%2.")
-                         .arg(quoted(element.text()), consequence));
+                         .arg(quoted(text), consequence));
     }
 }
 
-void inspectNumber(const QDomElement& element, const QString& attribute, const QString& consequence,
-                   FindingList& findings)
+void inspectAttributeNumber(const QDomElement& element, const QString& attribute,
+                            const QString& consequence, FindingList& findings)
 {
     bool isNumber = false;
     const QString text = element.attribute(attribute);
@@ -154,14 +159,14 @@ public:
     /** @param meaning  what of the element counts; equal meanings replace nothing. */
     void see(const QString& field, const QDomElement& element, const QString& meaning)
     {
-        const auto earlier = m_last.constFind(field);
-        if (earlier != m_last.constEnd() && earlier->meaning != meaning) {
-            m_findings.add(Finding::VALUE_REPLACED, earlier->element,
+        Seen& last = m_last[field];
+        if (!last.element.isNull() && last.meaning != meaning) {
+            m_findings.add(Finding::VALUE_REPLACED, last.element,
                            QStringLiteral("%1 gives way to %2 in line %3.")
-                               .arg(quoted(earlier->meaning), quoted(meaning),
+                               .arg(quoted(last.meaning), quoted(meaning),
                                     QString::number(m_findings.places().of(element).line)));
         }
-        m_last.insert(field, {element, meaning});
+        last = {element, meaning};
     }
 
 private:
@@ -203,14 +208,15 @@ void inspectFlags(const QDomElement& flags, LastOfEach& lastOfEach, FindingList&
     inspectAttributes(flags, {}, findings);
     inspectText(flags, findings);
     forEachChild(flags, [&](const QDomElement& child) {
-        if (!ConversionSteps::isFlag(child.tagName())) {
+        const QString name = child.tagName();
+        if (!ConversionSteps::isFlag(name)) {
             addUnread(child, findings);
             return;
         }
+        const QString text = child.text();
         inspectLeaf(child, findings);
-        inspectNumber(child, QStringLiteral(", which switches its spacing off"), findings);
-        lastOfEach.see(child.tagName(), child,
-                       child.text().toInt() == 0 ? QStringLiteral("0") : QStringLiteral("1"));
+        inspectNumber(child, text, QStringLiteral(", which switches its spacing off"), findings);
+        lastOfEach.see(name, child, text.toInt() == 0 ? QStringLiteral("0") : QStringLiteral("1"));
     });
 }
 
@@ -221,13 +227,15 @@ void inspectNumbers(const QDomElement& parent, const QSet<QString>& numbers, Fin
 {
     LastOfEach lastOfEach(findings);
     forEachChild(parent, [&](const QDomElement& child) {
-        if (!numbers.contains(child.tagName())) {
+        const QString name = child.tagName();
+        if (!numbers.contains(name)) {
             other(child);
             return;
         }
+        const QString text = child.text();
         inspectLeaf(child, findings);
-        inspectNumber(child, {}, findings);
-        lastOfEach.see(child.tagName(), child, child.text());
+        inspectNumber(child, text, {}, findings);
+        lastOfEach.see(name, child, text);
     });
 }
 
@@ -275,14 +283,14 @@ void inspectCentreList(const QDomElement& list, int entries, FindingList& findin
     inspectText(list, findings);
     forEachChild(list, [&](const QDomElement& entry) {
         inspectLeaf(entry, findings);
-        inspectNumber(entry, {}, findings);
+        inspectNumber(entry, entry.text(), {}, findings);
     });
 }
 
 void inspectFilterType(const QDomElement& filter, FindingList& findings)
 {
     if (filter.hasAttribute(QLatin1String(FILTER_TYPE_ATTRIBUTE))) {
-        inspectNumber(filter, QLatin1String(FILTER_TYPE_ATTRIBUTE), {}, findings);
+        inspectAttributeNumber(filter, QLatin1String(FILTER_TYPE_ATTRIBUTE), {}, findings);
     } else {
         findings.add(Finding::NUMBER_UNREADABLE, filter,
                      QStringLiteral("The filter has no type; it counts as 0."));
@@ -317,7 +325,7 @@ void inspectTruth(const QDomElement& profile, const char* attribute, FindingList
     if (!profile.hasAttribute(name)) {
         return;
     }
-    inspectNumber(profile, name, QStringLiteral(", which means no"), findings);
+    inspectAttributeNumber(profile, name, QStringLiteral(", which means no"), findings);
     const int value = profile.attribute(name).toInt();
     if (value != 0 && value != 1) {
         findings.addAttribute(
