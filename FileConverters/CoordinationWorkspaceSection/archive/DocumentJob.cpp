@@ -117,7 +117,7 @@ QByteArray judgeDocument(const QString& path)
     ReadError error;
     if (!text) {
         set(record, DocumentRecord::FAILED, "not-readable", QStringLiteral("it cannot be read"));
-    } else if (const auto inspection = inspectDocument(*text, error)) {
+    } else if (const auto inspection = inspectDocument(*text, error, FindingList::LOSSES)) {
         judge(*inspection, record);
     } else {
         judgeUnreadable(*text, error, record);

@@ -1,5 +1,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/inspect/CharacterInspection.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentText.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
 
 #include <QDomDocument>
@@ -22,6 +23,13 @@ bool isOfXml(const QString& text)
                        [](QChar character) { return isOfXml(character); });
 }
 
+// Most texts need no look at their nodes: what is not of XML stands in them or comes from a
+// reference, which the parser does not take from several entities put together.
+bool mayHoldOthers(const QString& text)
+{
+    return text.contains(QLatin1String("&#")) || !isOfXml(text);
+}
+
 QString complaint(const QString& text)
 {
     return QStringLiteral("%1 has a character that no XML document may hold.")
@@ -42,8 +50,12 @@ void inspectAttributes(const QDomElement& element, FindingList& findings)
 
 } // namespace
 
-void inspectCharacters(const QDomDocument& document, FindingList& findings)
+void inspectCharacters(const DocumentText& text, const QDomDocument& document,
+                       FindingList& findings)
 {
+    if (!mayHoldOthers(text.text())) {
+        return;
+    }
     QDomNode node = document.firstChild();
     while (!node.isNull()) {
         if (node.isElement()) {

@@ -9,15 +9,37 @@ constexpr int SHOWN_CHARACTERS = 40;
 
 } // namespace
 
+FindingList::FindingList(const QDomDocument& document, const DocumentText& text, Wanted wanted)
+    : m_document(document), m_text(text), m_wanted(wanted)
+{
+}
+
+const DocumentPlaces& FindingList::places()
+{
+    if (!m_places) {
+        m_places.emplace(m_document, m_text);
+    }
+    return *m_places;
+}
+
+bool FindingList::takes(Finding::Kind kind) const
+{
+    return takesNotes() || Finding::isLoss(kind);
+}
+
 void FindingList::add(Finding::Kind kind, const QDomElement& element, const QString& text)
 {
-    m_findings.push_back({kind, m_places.of(element), text});
+    if (takes(kind)) {
+        m_findings.push_back({kind, places().of(element), text});
+    }
 }
 
 void FindingList::addAttribute(Finding::Kind kind, const QDomElement& element,
                                const QString& attribute, const QString& text)
 {
-    m_findings.push_back({kind, m_places.ofAttribute(element, attribute), text});
+    if (takes(kind)) {
+        m_findings.push_back({kind, places().ofAttribute(element, attribute), text});
+    }
 }
 
 Findings FindingList::losses() const

@@ -2,14 +2,26 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/inspect/Finding.h"
 
+#include <optional>
+
+class DocumentText;
+class QDomDocument;
 class QDomElement;
 
 /** Takes findings with the places that they belong to. */
 class FindingList
 {
 public:
-    /** @param places  of the document that findings are about; must outlive this. */
-    explicit FindingList(const DocumentPlaces& places) : m_places(places) {}
+    /** Which findings are taken. */
+    enum Wanted { LOSSES, LOSSES_AND_NOTES };
+
+    /**
+     * @param document, text  what findings are about; must outlive this, and stay as they are.
+     */
+    FindingList(const QDomDocument& document, const DocumentText& text, Wanted wanted);
+
+    /** Whether findings that are no losses are taken; otherwise nobody has to look for them. */
+    bool takesNotes() const { return m_wanted == LOSSES_AND_NOTES; }
 
     void add(Finding::Kind kind, const QDomElement& element, const QString& text);
     void addAttribute(Finding::Kind kind, const QDomElement& element, const QString& attribute,
@@ -19,14 +31,19 @@ public:
     Findings losses() const;
     Findings notes() const;
 
-    const DocumentPlaces& places() const { return m_places; }
+    /** The places of the document's elements; they are noted when the first one is asked for. */
+    const DocumentPlaces& places();
 
     /** The value in quotation marks, cut after forty characters, control characters replaced. */
     static QString quoted(const QString& value);
 
 private:
+    bool takes(Finding::Kind kind) const;
     Findings sorted(bool losses) const;
 
-    const DocumentPlaces& m_places;
+    const QDomDocument& m_document;
+    const DocumentText& m_text;
+    const Wanted m_wanted;
+    std::optional<DocumentPlaces> m_places; // most documents of an archive never need them
     Findings m_findings;
 };

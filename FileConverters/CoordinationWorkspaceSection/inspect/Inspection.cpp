@@ -166,7 +166,9 @@ void inspectContents(const OldSection& section, FindingList& findings)
     for (const QDomElement& container : {section.compatConfigs, section.compatProfiles}) {
         if (isChildOfRoot(section, container)) {
             ContentInspection::inspectContainer(container, findings);
-            inspectComments(container, findings);
+            if (findings.takesNotes()) {
+                inspectComments(container, findings);
+            }
         }
     }
 }
@@ -181,7 +183,9 @@ void inspectPlaces(const OldSection& section, FindingList& findings)
                      QStringLiteral("The document has such an element already: the conversion"
                                     " writes a second one."));
     }
-    inspectWhatStays(section, findings);
+    if (findings.takesNotes()) {
+        inspectWhatStays(section, findings);
+    }
 }
 
 std::vector<InspectedSystem> findSystems(const OldSection& section, const JoinInspection& join)
@@ -191,9 +195,8 @@ std::vector<InspectedSystem> findSystems(const OldSection& section, const JoinIn
     if (join.breaksOff() || !isWritten) {
         return {};
     }
-    const ProfilesByKey before =
-        joinByProfileId(readChannels(section.micChannels), readProfiles(section.profiles));
-    const ProfilesByKey after = applyFlags(readConfigurations(section.configurations), before);
+    const ProfilesByKey before = joinByProfileId(join.keysByProfileId(), join.profilesById());
+    const ProfilesByKey after = applyFlags(join.flagsByKey(), before);
     std::vector<InspectedSystem> systems;
     for (auto entry = after.begin(); entry != after.end(); ++entry) {
         systems.push_back(
@@ -241,7 +244,8 @@ void inspectSection(const OldSection& section, Inspection& inspection, FindingLi
 
 } // namespace
 
-std::optional<Inspection> inspectDocument(const DocumentText& text, ReadError& error)
+std::optional<Inspection> inspectDocument(const DocumentText& text, ReadError& error,
+                                          FindingList::Wanted wanted)
 {
     QDomDocument document;
     int line = 0;
@@ -258,10 +262,9 @@ std::optional<Inspection> inspectDocument(const DocumentText& text, ReadError& e
     // The first one fills the tables that verdicts go by.
     static const XmlVersions VERSIONS;
 
-    const DocumentPlaces places(document, text);
-    FindingList findings(places);
+    FindingList findings(document, text, wanted);
     inspectLineBreaks(text, document, findings);
-    inspectCharacters(document, findings);
+    inspectCharacters(text, document, findings);
     Inspection inspection;
     const std::optional<OldSection> section = findOldSection(document);
     if (section) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FileConverters/CoordinationWorkspaceSection/inspect/Finding.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
 #include "ZelMain/FrequencyCompatibility/shared/CompatKey.h"
 #include "ZelMain/FrequencyCompatibility/shared/PkCompatProfile.h"
 #include "ZelMain/ImportExport/XmlVersions.h"
@@ -42,7 +42,7 @@ struct Inspection
     int profiles = 0;
     std::vector<InspectedSystem> systems; ///< in the order of the new element
     Findings losses;                      ///< by line
-    Findings notes;                       ///< what goes or stays by design; by line
+    Findings notes;                       ///< what goes or stays by design, where wanted; by line
 };
 
 /** Why a document could not be inspected, or a conversion not be verified. */
@@ -56,7 +56,10 @@ struct ReadError
 /**
  * Tells what a conversion of the document would do, by the conversion's own steps.
  *
- * @param error  told why there is no result.
+ * @param error   told why there is no result.
+ * @param wanted  whether the notes are looked for as well.
  * @return none when the text is not well-formed.
  */
-std::optional<Inspection> inspectDocument(const DocumentText& text, ReadError& error);
+std::optional<Inspection>
+inspectDocument(const DocumentText& text, ReadError& error,
+                FindingList::Wanted wanted = FindingList::LOSSES_AND_NOTES);

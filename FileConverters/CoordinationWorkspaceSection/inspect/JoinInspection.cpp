@@ -30,20 +30,24 @@ QString nameOf(const CompatSystemUniqueKey& key)
                             : quoted(filled.join(QStringLiteral(" / ")));
 }
 
-QString lineOf(const QDomElement& element, const FindingList& findings)
+QString lineOf(const QDomElement& element, FindingList& findings)
 {
     return QString::number(findings.places().of(element).line);
 }
 
-// How the conversion writes the id of a profile; empty when it is no UUID.
-QString writtenIdOf(const QDomElement& profile)
+std::optional<PkCompatProfile> profileOf(const QDomElement& element)
 {
     try {
-        return QString::fromStdString(
-            boost::uuids::to_string(ConversionSteps::readProfile(profile).id));
+        return ConversionSteps::readProfile(element);
     } catch (const std::runtime_error&) {
-        return {};
+        return std::nullopt;
     }
+}
+
+// How the conversion writes the id of a profile; empty when there is none.
+QString writtenIdOf(const std::optional<PkCompatProfile>& profile)
+{
+    return profile ? QString::fromStdString(boost::uuids::to_string(profile->id)) : QString();
 }
 
 // The UUID that a text stands for in the form of the profiles' own; empty when it is none.
@@ -88,8 +92,10 @@ void JoinInspection::readAll()
         m_configurations.push_back({element, ConversionSteps::readConfiguration(element)});
     }
     for (const QDomElement& element : m_section.profiles) {
+        const std::optional<PkCompatProfile> profile = profileOf(element);
         m_profiles.push_back({element, element.attribute(QStringLiteral("id")),
-                              element.attribute(QStringLiteral("name")), writtenIdOf(element)});
+                              element.attribute(QStringLiteral("name")), profile,
+                              writtenIdOf(profile)});
     }
 }
 
@@ -117,6 +123,36 @@ QString JoinInspection::oldNameOf(const CompatSystemUniqueKey& system) const
     return profile == nullptr ? QString() : profile->name;
 }
 
+ConversionSteps::KeysByProfileId JoinInspection::keysByProfileId() const
+{
+    ConversionSteps::KeysByProfileId keys;
+    for (auto entry = m_channelOfId.begin(); entry != m_channelOfId.end(); ++entry) {
+        keys.insert(keys.cend(), entry.key(), entry.value()->channel.key);
+    }
+    return keys;
+}
+
+ConversionSteps::FlagsByKey JoinInspection::flagsByKey() const
+{
+    ConversionSteps::FlagsByKey flags;
+    for (auto entry = m_configurationOfSystem.begin(); entry != m_configurationOfSystem.end();
+         ++entry) {
+        flags.insert(flags.cend(), entry.key(), entry.value()->configuration.flags);
+    }
+    return flags;
+}
+
+ConversionSteps::ProfilesById JoinInspection::profilesById() const
+{
+    ConversionSteps::ProfilesById profiles;
+    for (auto entry = m_profileOfId.begin(); entry != m_profileOfId.end(); ++entry) {
+        if (entry.value()->profile) {
+            profiles.insert(profiles.cend(), entry.key(), *entry.value()->profile);
+        }
+    }
+    return profiles;
+}
+
 void JoinInspection::inspectChannels(FindingList& findings) const
 {
     for (const ChannelElement& channel : m_channels) {
@@ -138,7 +174,7 @@ void JoinInspection::inspectChannels(FindingList& findings) const
     }
 }
 
-QString JoinInspection::otherSpelling(const QString& id, const FindingList& findings) const
+QString JoinInspection::otherSpelling(const QString& id, FindingList& findings) const
 {
     const QString uuid = uuidOf(id);
     if (uuid.isEmpty()) {

@@ -5,6 +5,7 @@
 #include <QDomElement>
 #include <QString>
 
+#include <optional>
 #include <vector>
 
 class FindingList;
@@ -34,6 +35,15 @@ public:
      */
     QString oldNameOf(const CompatSystemUniqueKey& system) const;
 
+    /**
+     * What the conversion's readers of channels, configurations and profiles give for the section.
+     *
+     * Profiles of an id that ends the conversion are left out.
+     */
+    ConversionSteps::KeysByProfileId keysByProfileId() const;
+    ConversionSteps::FlagsByKey flagsByKey() const;
+    ConversionSteps::ProfilesById profilesById() const;
+
 private:
     struct ChannelElement
     {
@@ -50,7 +60,8 @@ private:
         QDomElement element;
         QString id;
         QString name;
-        QString writtenId; ///< empty when the id is no UUID
+        std::optional<PkCompatProfile> profile; ///< none when the id is no UUID
+        QString writtenId;                      ///< empty then
     };
 
     void readAll();
@@ -60,7 +71,7 @@ private:
     void inspectSystems(FindingList& findings) const;
     void inspectProfiles(FindingList& findings) const;
     void inspectCounts(FindingList& findings) const;
-    QString otherSpelling(const QString& id, const FindingList& findings) const;
+    QString otherSpelling(const QString& id, FindingList& findings) const;
 
     const ConversionSteps::OldSection& m_section;
     std::vector<ChannelElement> m_channels;

@@ -87,12 +87,13 @@ QStringList shown(const Findings& findings)
     return lines;
 }
 
-Inspection inspected(const std::optional<DocumentText>& text)
+Inspection inspected(const std::optional<DocumentText>& text,
+                     FindingList::Wanted wanted = FindingList::LOSSES_AND_NOTES)
 {
     ReadError error;
     std::optional<Inspection> inspection;
     if (text) {
-        inspection = inspectDocument(*text, error);
+        inspection = inspectDocument(*text, error, wanted);
     }
     if (!inspection) {
         qFatal("not read: %s", qPrintable(error.text));
@@ -109,6 +110,8 @@ class InspectionTest : public QObject
 private slots:
     void everythingThatIsLostIsFound_data();
     void everythingThatIsLostIsFound();
+    void notesAreNotLookedForWhereNobodyWantsThem_data();
+    void notesAreNotLookedForWhereNobodyWantsThem();
     void standardInputLosesLineBreaks_data();
     void standardInputLosesLineBreaks();
     void containersGoByDesign();
@@ -426,6 +429,18 @@ void InspectionTest::everythingThatIsLostIsFound_data()
     row("an attribute that no document may hold",
         {{R"(version="0.2")", R"(version="0.2" x="&#2;")"}},
         {"invalid-character 1 /coordinated_data_root/@x"});
+    row("a character that stands in the document itself", {{"<level>1", "<level>\x01"}},
+        {"invalid-character 15 /coordinated_data_root/compatibility_levels/level"});
+    row("a character of an entity",
+        {{"<coordinated_data_root version",
+          R"(<!DOCTYPE a [<!ENTITY e "&#1;">]><coordinated_data_root version)"},
+         {"<level>1", "<level>&e;"}},
+        {"invalid-character 15 /coordinated_data_root/compatibility_levels/level"});
+    row("an entity that spells a reference out is text",
+        {{"<coordinated_data_root version",
+          R"(<!DOCTYPE a [<!ENTITY e "&amp;#1;">]><coordinated_data_root version)"},
+         {"<level>1", "<level>&e;"}},
+        {}, {}, Inspection::CONVERT);
 
     // By design.
     row("a comment in a container", {{"<compat_profiles>", "<compat_profiles><!-- old -->"}}, {},
@@ -462,6 +477,24 @@ void InspectionTest::everythingThatIsLostIsFound()
             QVERIFY(!finding.text.isEmpty());
         }
     }
+}
+
+void InspectionTest::notesAreNotLookedForWhereNobodyWantsThem_data()
+{
+    everythingThatIsLostIsFound_data();
+}
+
+void InspectionTest::notesAreNotLookedForWhereNobodyWantsThem()
+{
+    QFETCH(Edits, edits);
+    QFETCH(QStringList, losses);
+    QFETCH(Inspection::Advice, advice);
+
+    const Inspection inspection = inspected(fromFile(edited(edits)), FindingList::LOSSES);
+
+    QCOMPARE(shown(inspection.losses), losses);
+    QVERIFY(inspection.notes.empty());
+    QCOMPARE(inspection.advice, advice);
 }
 
 void InspectionTest::standardInputLosesLineBreaks_data()
