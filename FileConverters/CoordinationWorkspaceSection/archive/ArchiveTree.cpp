@@ -16,6 +16,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int BEGINNING = 65536; // more blanks than that stand before no document's first "<"
+constexpr int CHUNK = 4096;      // of it; nearly every file tells with its first byte
 const QByteArray BLANKS("\0\t\n\r \xef\xbb\xbf\xfe\xff", 10);  // and byte-order marks
 constexpr qint64 MOST_BYTES = std::numeric_limits<int>::max(); // that Qt reads at one go
 constexpr int LONGEST_CHARACTER = 4;                           // of UTF-8, in bytes
@@ -63,16 +64,21 @@ QString textOf(const fs::path& path)
 bool isNoXml(const fs::path& path)
 {
     QFile file(QFile::decodeName(path.c_str()));
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         return false;
     }
-    const QByteArray beginning = file.read(BEGINNING);
-    if (file.error() != QFileDevice::NoError) {
-        return false;
+    for (int seen = 0; seen < BEGINNING; seen += CHUNK) {
+        const QByteArray chunk = file.read(CHUNK);
+        const auto* const first = std::find_if_not(
+            chunk.begin(), chunk.end(), [](const char byte) { return BLANKS.contains(byte); });
+        if (first != chunk.end()) {
+            return *first != '<';
+        }
+        if (chunk.size() < CHUNK) {
+            return file.error() == QFileDevice::NoError;
+        }
     }
-    const auto* const first = std::find_if_not(
-        beginning.begin(), beginning.end(), [](const char byte) { return BLANKS.contains(byte); });
-    return first == beginning.end() ? beginning.size() < BEGINNING : *first != '<';
+    return false;
 }
 
 /** One walk below a folder. */
