@@ -85,7 +85,7 @@ SUITES = (
          "ArchiveProgressTest", "ArchiveReportTest", "ArchiveScheduleTest", "ArchiveSettingsTest",
          "AtomicFileTest", "BoundedServerTest", "DocumentBatchTest", "DocumentJobTest",
          "DocumentRecordTest", "HtmlTextTest", "LoginFileTest", "MachineRecordTest",
-         "ProcessLimitsTest")
+         "ProcessLimitsTest", "StableStorageTest")
         + ARCHIVE_PARTS
         + ("ArchivePage", "ArchiveMachines"),
     ),

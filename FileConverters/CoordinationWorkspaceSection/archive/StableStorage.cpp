@@ -58,10 +58,11 @@ bool StableStorage::writeAll(int descriptor, const QByteArray& bytes)
     while (written < bytes.size()) {
         const ssize_t count = write(descriptor, bytes.constData() + written,
                                     static_cast<std::size_t>(bytes.size() - written));
-        if (count < 0 && errno != EINTR) {
+        if (count >= 0) {
+            written += static_cast<int>(count);
+        } else if (errno != EINTR) {
             return false;
         }
-        written += count > 0 ? static_cast<int>(count) : 0;
     }
     return true;
 }
