@@ -84,7 +84,7 @@ SUITES = (
         ("ArchiveHistoryTest", "ArchiveLockTest", "ArchivePageTest", "ArchiveParcelsTest",
          "ArchiveProgressTest", "ArchiveReportTest", "ArchiveScheduleTest", "ArchiveSettingsTest",
          "AtomicFileTest", "BoundedServerTest", "DocumentBatchTest", "DocumentJobTest",
-         "DocumentRecordTest", "HtmlTextTest", "LoginFileTest", "MachineRecordTest",
+         "DocumentRecordTest", "FileIdentityTest", "HtmlTextTest", "LoginFileTest", "MachineRecordTest",
          "ProcessLimitsTest", "StableStorageTest")
         + ARCHIVE_PARTS
         + ("ArchivePage", "ArchiveMachines"),

@@ -16,16 +16,9 @@ private slots:
     void systemsGoThroughALineAndBack();
     void linesFromBeforeTheSystemsAreRead();
     void noSystemsIsNotTheSameAsNotToldOf();
-    void sizeIsOneThatAFileMayHave_data();
-    void sizeIsOneThatAFileMayHave();
     void lineWithoutEndIsNoRecord();
     void anyNumberOfSecondsMakesALine_data();
     void anyNumberOfSecondsMakesALine();
-    void identityIsSizeAndHash_data();
-    void identityIsSizeAndHash();
-    void whatCannotBeReadHasNoIdentity_data();
-    void whatCannotBeReadHasNoIdentity();
-    void identitiesDifferBySizeOrHash();
     void filesGoThroughALineAndBack();
     void howLongItTookMakesNoOtherRecord();
 };
@@ -124,28 +117,6 @@ void DocumentRecordTest::noSystemsIsNotTheSameAsNotToldOf()
     QVERIFY(!told.tellsTheSameAs(convertedRecord()));
 }
 
-void DocumentRecordTest::sizeIsOneThatAFileMayHave_data()
-{
-    QTest::addColumn<QByteArray>("told");
-    QTest::addColumn<qint64>("size");
-    QTest::newRow("none") << QByteArray("0") << qint64(0);
-    QTest::newRow("beyond 32 bits") << QByteArray("4294967296") << qint64(4294967296);
-    QTest::newRow("less than nothing") << QByteArray("-1") << qint64(0);
-    QTest::newRow("beyond any file") << QByteArray("1e300") << qint64(9007199254740992);
-    QTest::newRow("no number") << QByteArray("\"1\"") << qint64(0);
-}
-
-void DocumentRecordTest::sizeIsOneThatAFileMayHave()
-{
-    QFETCH(QByteArray, told);
-    const auto read = DocumentRecord::fromLine(
-        R"({"format":1,"outcome":"failed","path":"a.xml","source":{"sha256":"0f","size":)" + told +
-        "}}");
-    QVERIFY(read && read->source);
-    QTEST(read->source->size, "size");
-    QCOMPARE(read->source->sha256, QStringLiteral("0f"));
-}
-
 // Another machine may print anything.
 void DocumentRecordTest::lineWithoutEndIsNoRecord()
 {
@@ -178,54 +149,6 @@ void DocumentRecordTest::anyNumberOfSecondsMakesALine()
     const QJsonObject object = QJsonDocument::fromJson(read->toLine()).object();
     QCOMPARE(object["path"].toString(), QStringLiteral("a.xml"));
     QCOMPARE(object["seconds"], QJsonValue(seconds));
-}
-
-void DocumentRecordTest::identityIsSizeAndHash_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("sha256"); // FIPS 180-4 and its examples
-    QTest::newRow("empty") << QByteArray()
-                           << "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
-    QTest::newRow("a few") << QByteArray("abc")
-                           << "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
-    QTest::newRow("a million")
-        << QByteArray(1000000, 'a')
-        << "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0";
-}
-
-void DocumentRecordTest::identityIsSizeAndHash()
-{
-    QFETCH(QByteArray, bytes);
-    QTemporaryFile file;
-    QVERIFY(file.open());
-    file.write(bytes);
-    file.close();
-    const auto identity = FileIdentity::of(file.fileName());
-    QVERIFY(identity);
-    QCOMPARE(identity->size, qint64(bytes.size()));
-    QTEST(identity->sha256, "sha256");
-}
-
-void DocumentRecordTest::whatCannotBeReadHasNoIdentity_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::newRow("not there") << "/nowhere";
-    QTest::newRow("a folder") << "/";
-    QTest::newRow("fails at its first byte") << "/proc/self/mem"; // no process has that address
-}
-
-void DocumentRecordTest::whatCannotBeReadHasNoIdentity()
-{
-    QFETCH(QString, path);
-    QVERIFY(!FileIdentity::of(path));
-}
-
-void DocumentRecordTest::identitiesDifferBySizeOrHash()
-{
-    const FileIdentity one{1, QStringLiteral("0f")};
-    QVERIFY(one == (FileIdentity{1, QStringLiteral("0f")}));
-    QVERIFY(one != (FileIdentity{2, QStringLiteral("0f")}));
-    QVERIFY(one != (FileIdentity{1, QStringLiteral("1f")}));
 }
 
 void DocumentRecordTest::filesGoThroughALineAndBack()
