@@ -6,6 +6,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentText.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/Inspection.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/Verification.h"
 
 #include <QDateTime>
@@ -17,6 +18,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+
+using TextLayout::quoted;
 
 namespace {
 
@@ -102,7 +105,7 @@ void judge(const Inspection& inspection, DocumentRecord& record)
     case Inspection::TOO_NEW:
         set(record, DocumentRecord::REFUSED, "too-new",
             QStringLiteral("its version %1 is newer than this software knows")
-                .arg(FindingList::quoted(inspection.version)));
+                .arg(quoted(inspection.version)));
         return;
     case Inspection::IMPOSSIBLE:
         judgeImpossible(inspection, record);

@@ -2,10 +2,13 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentText.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 
 #include <QDomDocument>
 
 #include <algorithm>
+
+using TextLayout::quoted;
 
 namespace {
 
@@ -32,8 +35,7 @@ bool mayHoldOthers(const QString& text)
 
 QString complaint(const QString& text)
 {
-    return QStringLiteral("%1 has a character that no XML document may hold.")
-        .arg(FindingList::quoted(text));
+    return QStringLiteral("%1 has a character that no XML document may hold.").arg(quoted(text));
 }
 
 void inspectAttributes(const QDomElement& element, FindingList& findings)

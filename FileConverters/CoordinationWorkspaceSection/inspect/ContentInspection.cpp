@@ -2,6 +2,7 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/ConversionSteps.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 #include "ZelMain/FrequencyCompatibility/shared/CompatProfileFormat.h"
 #include "ZelMain/FrequencyCompatibility/shared/RecordFormat.h"
 
@@ -10,15 +11,11 @@
 #include <QSet>
 
 using namespace CompatProfileFormat;
+using TextLayout::quoted;
 
 namespace {
 
 const char* const UNREAD = "No rule reads it; it does not reach the new element.";
-
-QString quoted(const QString& value)
-{
-    return FindingList::quoted(value);
-}
 
 template <typename Elements>
 QSet<QString> namesOf(const Elements& elements)

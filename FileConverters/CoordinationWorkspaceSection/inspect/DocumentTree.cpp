@@ -1,11 +1,13 @@
 #include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentTree.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 
 #include <QDataStream>
 #include <QDomDocument>
 #include <QIODevice>
 #include <QTextStream>
+
+using TextLayout::quoted;
 
 namespace {
 
@@ -103,13 +105,13 @@ QString DocumentTree::describe(int index) const
     const QDomNode& dom = node(index).dom;
     switch (dom.nodeType()) {
     case QDomNode::ElementNode:
-        return QStringLiteral("The element %1").arg(FindingList::quoted(dom.nodeName()));
+        return QStringLiteral("The element %1").arg(quoted(dom.nodeName()));
     case QDomNode::TextNode:
     case QDomNode::CDATASectionNode:
-        return QStringLiteral("The text %1").arg(FindingList::quoted(dom.nodeValue()));
+        return QStringLiteral("The text %1").arg(quoted(dom.nodeValue()));
     case QDomNode::CommentNode:
-        return QStringLiteral("The comment %1").arg(FindingList::quoted(dom.nodeValue()));
+        return QStringLiteral("The comment %1").arg(quoted(dom.nodeValue()));
     default:
-        return QStringLiteral("The declaration %1").arg(FindingList::quoted(valueOf(dom)));
+        return QStringLiteral("The declaration %1").arg(quoted(valueOf(dom)));
     }
 }

@@ -3,12 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-namespace {
-
-constexpr int SHOWN_CHARACTERS = 40;
-
-} // namespace
-
 FindingList::FindingList(const QDomDocument& document, const DocumentText& text, Wanted wanted)
     : m_document(document), m_text(text), m_wanted(wanted)
 {
@@ -62,19 +56,4 @@ Findings FindingList::sorted(bool losses) const
         return left.place.line < right.place.line;
     });
     return chosen;
-}
-
-QString FindingList::quoted(const QString& value)
-{
-    QString shown = value.left(SHOWN_CHARACTERS);
-    if (!shown.isEmpty() && shown.at(shown.size() - 1).isHighSurrogate()) {
-        shown.chop(1);
-    }
-    for (QChar& character : shown) {
-        if (character.category() == QChar::Other_Control) {
-            character = QLatin1Char(' ');
-        }
-    }
-    const QString cut = value.size() > SHOWN_CHARACTERS ? QStringLiteral("...") : QString();
-    return QStringLiteral("\"%1%2\"").arg(shown, cut);
 }

@@ -34,9 +34,6 @@ public:
     /** The places of the document's elements; they are noted when the first one is asked for. */
     const DocumentPlaces& places();
 
-    /** The value in quotation marks, cut after forty characters, control characters replaced. */
-    static QString quoted(const QString& value);
-
 private:
     bool takes(Finding::Kind kind) const;
     Findings sorted(bool losses) const;

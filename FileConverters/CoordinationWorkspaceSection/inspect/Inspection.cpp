@@ -7,10 +7,12 @@
 #include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/JoinInspection.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/LineBreakInspection.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 
 #include <QDomDocument>
 
 using namespace ConversionSteps;
+using TextLayout::quoted;
 
 namespace {
 
@@ -47,7 +49,7 @@ void inspectVersion(const QDomElement& root, XmlVersions::XmlValidState verdict,
                     FindingList& findings)
 {
     const QString current = XmlVersions::GetXmlVersionString(SECTION);
-    const QString version = FindingList::quoted(root.attribute(QStringLiteral("version")));
+    const QString version = quoted(root.attribute(QStringLiteral("version")));
     switch (verdict) {
     case XmlVersions::XmlConvertible:
     case XmlVersions::XmlNoConversion:
@@ -122,7 +124,7 @@ void inspectComments(const QDomElement& container, FindingList& findings)
         if (node.isComment()) {
             findings.add(Finding::COMMENT_REMOVED, node.parentNode().toElement(),
                          QStringLiteral("The comment %1 goes with its container.")
-                             .arg(FindingList::quoted(node.nodeValue().trimmed())));
+                             .arg(quoted(node.nodeValue().trimmed())));
         }
         QDomNode next = node.firstChild();
         while (next.isNull() && node != container) {

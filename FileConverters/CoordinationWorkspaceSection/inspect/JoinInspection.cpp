@@ -1,6 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/inspect/JoinInspection.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 
 #include <QStringList>
 
@@ -10,12 +11,9 @@
 #include <algorithm>
 #include <stdexcept>
 
-namespace {
+using TextLayout::quoted;
 
-QString quoted(const QString& value)
-{
-    return FindingList::quoted(value);
-}
+namespace {
 
 QString nameOf(const CompatSystemUniqueKey& key)
 {

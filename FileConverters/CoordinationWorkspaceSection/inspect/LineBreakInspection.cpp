@@ -2,18 +2,21 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentText.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 
 #include <QDomDocument>
 
 #include <utility>
 #include <vector>
 
+using TextLayout::quoted;
+
 namespace {
 
 QString lostText(const QString& original, const QString& joined)
 {
     return QStringLiteral("Standard input drops the line breaks: %1 becomes %2.")
-        .arg(FindingList::quoted(original), FindingList::quoted(joined));
+        .arg(quoted(original), quoted(joined));
 }
 
 void compareAttributes(const QDomElement& original, const QDomElement& joined,

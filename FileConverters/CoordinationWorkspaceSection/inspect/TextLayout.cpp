@@ -6,6 +6,8 @@
 
 namespace {
 
+constexpr int SHOWN_CHARACTERS = 40;
+
 bool turnsDirection(QChar character)
 {
     return (character >= QChar(0x202A) && character <= QChar(0x202E)) ||
@@ -46,6 +48,21 @@ QString TextLayout::printable(const QString& text)
         }
     }
     return shown;
+}
+
+QString TextLayout::quoted(const QString& value)
+{
+    QString shown = value.left(SHOWN_CHARACTERS);
+    if (!shown.isEmpty() && shown.at(shown.size() - 1).isHighSurrogate()) {
+        shown.chop(1);
+    }
+    for (QChar& character : shown) {
+        if (character.category() == QChar::Other_Control) {
+            character = QLatin1Char(' ');
+        }
+    }
+    const QString cut = value.size() > SHOWN_CHARACTERS ? QStringLiteral("...") : QString();
+    return QStringLiteral("\"%1%2\"").arg(shown, cut);
 }
 
 QStringList TextLayout::table(const QVector<QStringList>& rows,

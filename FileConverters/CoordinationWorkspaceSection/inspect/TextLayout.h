@@ -4,7 +4,7 @@
 #include <QStringList>
 #include <QVector>
 
-/** Text in the columns of a terminal. */
+/** Text for people, in sentences and in the columns of a terminal. */
 namespace TextLayout {
 
 /** The columns that a text takes: wide characters take two, combining ones none. */
@@ -15,6 +15,9 @@ int columnsOf(const QString& text);
  * characters and the explicit directional formatting characters of UAX #9 become U+FFFD.
  */
 QString printable(const QString& text);
+
+/** The value in quotation marks, cut after forty characters, control characters replaced. */
+QString quoted(const QString& value);
 
 /** How a column of a table is aligned. */
 enum Alignment { LEFT, RIGHT };

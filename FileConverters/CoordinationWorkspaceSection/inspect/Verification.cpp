@@ -3,8 +3,8 @@
 #include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentText.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentTree.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/ExpectedDocument.h"
-#include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/Inspection.h"
+#include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 
 #include <QDomDocument>
 
@@ -12,14 +12,11 @@
 #include <array>
 #include <utility>
 
+using TextLayout::quoted;
+
 namespace {
 
 constexpr int PRINTED_INDENT = 4;
-
-QString quoted(const QString& value)
-{
-    return FindingList::quoted(value);
-}
 
 /** Compares two trees and tells where they differ. */
 class Comparison

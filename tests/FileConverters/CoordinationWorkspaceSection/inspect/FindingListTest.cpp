@@ -1,48 +1,100 @@
 #include "FileConverters/CoordinationWorkspaceSection/inspect/FindingList.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/inspect/DocumentText.h"
+
+#include <QDomDocument>
 #include <QtTest>
 
-namespace {
-
-const QString MICROPHONE = QString::fromUtf8("🎤"); // two code units
-
-QString letters(int count)
-{
-    return QString(count, QLatin1Char('x'));
-}
-
-} // namespace
+#include <sstream>
 
 class FindingListTest : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void valuesAreQuotedAndCut_data();
-    void valuesAreQuotedAndCut();
+    void init();
+    void findingsComeByLine();
+    void attributesAreNamed();
+    void notesAreTakenWhereTheyAreWanted_data();
+    void notesAreTakenWhereTheyAreWanted();
+
+private:
+    FindingList listOf(FindingList::Wanted wanted) const;
+
+    std::optional<DocumentText> m_text;
+    QDomDocument m_document;
+    QDomElement m_first;
+    QDomElement m_second;
 };
 
-void FindingListTest::valuesAreQuotedAndCut_data()
+namespace {
+
+QStringList textsOf(const Findings& findings)
 {
-    QTest::addColumn<QString>("value");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("nothing") << QString() << "\"\"";
-    QTest::newRow("short") << "Große Bühne"
-                           << "\"Große Bühne\"";
-    QTest::newRow("forty characters") << letters(40) << "\"" + letters(40) + "\"";
-    QTest::newRow("one more") << letters(41) << "\"" + letters(40) + "...\"";
-    QTest::newRow("no half character at the cut")
-        << letters(39) + MICROPHONE << "\"" + letters(39) + "...\"";
-    QTest::newRow("a whole one in front of it") << letters(38) + MICROPHONE + "y"
-                                                << "\"" + letters(38) + MICROPHONE + "...\"";
-    QTest::newRow("control characters become blanks") << "a\nb\tc\x7F"
-                                                      << "\"a b c \"";
+    QStringList texts;
+    for (const Finding& finding : findings) {
+        texts.append(
+            QStringLiteral("%1 %2 %3")
+                .arg(QString::number(finding.place.line), finding.place.path, finding.text));
+    }
+    return texts;
 }
 
-void FindingListTest::valuesAreQuotedAndCut()
+} // namespace
+
+void FindingListTest::init()
 {
-    QFETCH(QString, value);
-    QTEST(FindingList::quoted(value), "shown");
+    std::istringstream stream("<a>\n <b x=\"1\"/>\n <c/>\n</a>");
+    m_text = DocumentText::ofStream(stream);
+    QVERIFY(m_text && m_document.setContent(m_text->text()));
+    m_first = m_document.documentElement().firstChildElement();
+    m_second = m_first.nextSiblingElement();
+}
+
+FindingList FindingListTest::listOf(FindingList::Wanted wanted) const
+{
+    return {m_document, *m_text, wanted};
+}
+
+void FindingListTest::findingsComeByLine()
+{
+    FindingList findings = listOf(FindingList::LOSSES_AND_NOTES);
+    findings.add(Finding::UNREAD_TEXT, m_second, "third");
+    findings.add(Finding::UNREAD_TEXT, m_first, "first");
+    findings.add(Finding::STAYS_BEHIND, m_second, "a note");
+    findings.add(Finding::COMMENT_REMOVED, m_first, "a note before");
+    findings.add(Finding::UNREAD_ELEMENT, m_first, "second, of the same line");
+    QCOMPARE(textsOf(findings.losses()),
+             QStringList({"2 /a/b first", "2 /a/b second, of the same line", "3 /a/c third"}));
+    QCOMPARE(textsOf(findings.notes()), QStringList({"2 /a/b a note before", "3 /a/c a note"}));
+}
+
+void FindingListTest::attributesAreNamed()
+{
+    FindingList findings = listOf(FindingList::LOSSES);
+    findings.addAttribute(Finding::UNREAD_ATTRIBUTE, m_first, "x", "it");
+    QCOMPARE(textsOf(findings.losses()), QStringList{"2 /a/b/@x it"});
+}
+
+void FindingListTest::notesAreTakenWhereTheyAreWanted_data()
+{
+    QTest::addColumn<int>("wanted");
+    QTest::addColumn<bool>("areTaken");
+    QTest::newRow("losses only") << static_cast<int>(FindingList::LOSSES) << false;
+    QTest::newRow("all") << static_cast<int>(FindingList::LOSSES_AND_NOTES) << true;
+}
+
+void FindingListTest::notesAreTakenWhereTheyAreWanted()
+{
+    QFETCH(int, wanted);
+    QFETCH(bool, areTaken);
+    FindingList findings = listOf(static_cast<FindingList::Wanted>(wanted));
+    QCOMPARE(findings.takesNotes(), areTaken);
+    findings.add(Finding::STAYS_BEHIND, m_first, "a note");
+    findings.addAttribute(Finding::PROFILE_ID_RESPELLED, m_first, "x", "a note");
+    findings.add(Finding::UNREAD_TEXT, m_first, "a loss");
+    QCOMPARE(findings.notes().size(), areTaken ? std::size_t(2) : std::size_t(0));
+    QCOMPARE(textsOf(findings.losses()), QStringList{"2 /a/b a loss"});
 }
 
 QTEST_GUILESS_MAIN(FindingListTest)
