@@ -108,11 +108,8 @@ ArchiveCommandLine::Task taskOf(const QCommandLineParser& parser)
                                                        : ArchiveCommandLine::CONVERT;
 }
 
-} // namespace
-
-QString ArchiveCommandLine::parse(const QStringList& arguments)
+void addOptions(QCommandLineParser& parser)
 {
-    QCommandLineParser parser;
     for (const char* name : {"dry-run", "force", "verify", "only-clean", "fail-if-lossy",
                              "json-schema", "help", "version"}) {
         parser.addOption(option(name));
@@ -123,6 +120,60 @@ QString ArchiveCommandLine::parse(const QStringList& arguments)
     parser.addOption(option("report", "FILE"));
     parser.addOption(option("html", "FILE"));
     parser.addOption(option("machines", "FILE"));
+}
+
+// These three return what is wrong, and nothing when nothing is.
+
+QString parseBounds(const QCommandLineParser& parser, ArchiveCommandLine& line)
+{
+    if (!parseLimit(parser, "timeout", MILLISECONDS_PER_SECOND, line.settings.milliseconds)) {
+        return QStringLiteral("--timeout is a whole number of seconds, or none");
+    }
+    if (!parseLimit(parser, "memory", BYTES_PER_MEGABYTE, line.settings.memoryBytes)) {
+        return QStringLiteral("--memory is a whole number of MB, or none");
+    }
+    if (!parseJobs(parser, line.jobs)) {
+        return QStringLiteral("--jobs is a number from 1 to %1").arg(MOST_JOBS);
+    }
+    if (!parseMachines(parser, line.machines, line.jobs)) {
+        return QStringLiteral("--machines is a file that names machines, one a line");
+    }
+    return {};
+}
+
+QString parseFolders(const QCommandLineParser& parser, ArchiveSettings& settings)
+{
+    const QStringList folders = parser.positionalArguments();
+    if (folders.size() != 2 || folders.contains(QString())) {
+        return QStringLiteral("the folders SOURCE and TARGET are to be named");
+    }
+    settings.source = ArchiveTree::realPath(folders[0]);
+    settings.target = ArchiveTree::realPath(folders[1]);
+    return {};
+}
+
+QString parseFiles(const QCommandLineParser& parser, ArchiveCommandLine& line)
+{
+    for (const QString& name : {QStringLiteral("report"), QStringLiteral("html")}) {
+        if (parser.isSet(name) && parser.value(name).isEmpty()) {
+            return QStringLiteral("--%1 is the name of a file").arg(name);
+        }
+    }
+    line.settings.report = parser.isSet(QStringLiteral("report"))
+                               ? ArchiveTree::realPath(parser.value(QStringLiteral("report")))
+                               : line.settings.usualReport();
+    if (parser.isSet(QStringLiteral("html"))) {
+        line.page = ArchiveTree::realPath(parser.value(QStringLiteral("html")));
+    }
+    return {};
+}
+
+} // namespace
+
+QString ArchiveCommandLine::parse(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    addOptions(parser);
     // The parser takes the first for the program's name.
     if (!parser.parse(QStringList(QString()) + arguments)) {
         return parser.errorText();
@@ -136,36 +187,11 @@ QString ArchiveCommandLine::parse(const QStringList& arguments)
     failsIfLossy = parser.isSet(QStringLiteral("fail-if-lossy"));
     settings.verifies = parser.isSet(QStringLiteral("verify"));
     settings.onlyClean = parser.isSet(QStringLiteral("only-clean"));
-    if (!parseLimit(parser, "timeout", MILLISECONDS_PER_SECOND, settings.milliseconds)) {
-        return QStringLiteral("--timeout is a whole number of seconds, or none");
+    QString problem = parseBounds(parser, *this);
+    if (problem.isEmpty()) {
+        problem = parseFolders(parser, settings);
     }
-    if (!parseLimit(parser, "memory", BYTES_PER_MEGABYTE, settings.memoryBytes)) {
-        return QStringLiteral("--memory is a whole number of MB, or none");
-    }
-    if (!parseJobs(parser, jobs)) {
-        return QStringLiteral("--jobs is a number from 1 to %1").arg(MOST_JOBS);
-    }
-    if (!parseMachines(parser, machines, jobs)) {
-        return QStringLiteral("--machines is a file that names machines, one a line");
-    }
-    const QStringList folders = parser.positionalArguments();
-    if (folders.size() != 2 || folders.contains(QString())) {
-        return QStringLiteral("the folders SOURCE and TARGET are to be named");
-    }
-    settings.source = ArchiveTree::realPath(folders[0]);
-    settings.target = ArchiveTree::realPath(folders[1]);
-    for (const QString& name : {QStringLiteral("report"), QStringLiteral("html")}) {
-        if (parser.isSet(name) && parser.value(name).isEmpty()) {
-            return QStringLiteral("--%1 is the name of a file").arg(name);
-        }
-    }
-    settings.report = parser.isSet(QStringLiteral("report"))
-                          ? ArchiveTree::realPath(parser.value(QStringLiteral("report")))
-                          : settings.usualReport();
-    if (parser.isSet(QStringLiteral("html"))) {
-        page = ArchiveTree::realPath(parser.value(QStringLiteral("html")));
-    }
-    return {};
+    return problem.isEmpty() ? parseFiles(parser, *this) : problem;
 }
 
 QString ArchiveCommandLine::helpText()

@@ -15,7 +15,7 @@ struct ArchiveCommandLine
     bool isTrial = false;      ///< writes nothing
     bool failsIfLossy = false; ///< sets the status for lossy documents
     QString page;              ///< a file for the report as a page, absolute; empty for none
-    int jobs = 0;              ///< at the same time; 0 for as many as there are cores
+    int jobs = 0;              ///< at the same time; 0 for one more than cores
     QString machines;          ///< the login file, absolute; empty for this machine only
 
     /**
