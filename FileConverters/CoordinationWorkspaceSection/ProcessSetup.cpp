@@ -67,7 +67,7 @@ void ProcessSetup::keepClosedStreamsClosed()
     }
 }
 
-bool ProcessSetup::isTerminal()
+bool ProcessSetup::isOutputTerminal()
 {
     return isatty(STDOUT_FILENO) != 0;
 }
@@ -85,7 +85,7 @@ void ProcessSetup::reportWriteFailuresAsErrors() {}
 
 void ProcessSetup::keepClosedStreamsClosed() {}
 
-bool ProcessSetup::isTerminal()
+bool ProcessSetup::isOutputTerminal()
 {
     return false;
 }
@@ -102,6 +102,15 @@ void ProcessSetup::tuneAllocator()
 #ifdef __GLIBC__
     mallopt(M_MXFAST, 0);
 #endif
+}
+
+QStringList ProcessSetup::argumentsOf(int argc, char** argv)
+{
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i) {
+        arguments.append(QString(argv[i]));
+    }
+    return arguments;
 }
 
 QString ProcessSetup::fromThisProgram(const char* path)

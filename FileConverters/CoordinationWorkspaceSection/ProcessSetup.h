@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 /**
  * What a process sets up before it reads a document.
@@ -46,8 +47,11 @@ void tuneAllocator();
  */
 void shutOutTheEnvironment();
 
+/** The arguments behind the program's own name, which are UTF-8 whatever the locale is. */
+QStringList argumentsOf(int argc, char** argv);
+
 /** Whether a person sees what goes to standard output. */
-bool isTerminal();
+bool isOutputTerminal();
 
 /** Whether a person sees what goes to standard error. */
 bool isErrorTerminal();

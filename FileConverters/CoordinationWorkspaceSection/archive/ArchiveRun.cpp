@@ -80,7 +80,7 @@ bool isMissing(const char* program)
 
 bool isTerminal()
 {
-    return ProcessSetup::isTerminal() && ProcessSetup::isErrorTerminal();
+    return ProcessSetup::isOutputTerminal() && ProcessSetup::isErrorTerminal();
 }
 
 } // namespace

@@ -62,12 +62,8 @@ int main(int argc, char** argv)
     StopSignals::watch();
     std::ios::sync_with_stdio(false);
 
-    QStringList arguments;
-    for (int i = 1; i < argc; ++i) {
-        arguments.append(QString(argv[i]));
-    }
     ArchiveCommandLine commandLine;
-    const QString problem = commandLine.parse(arguments);
+    const QString problem = commandLine.parse(ProcessSetup::argumentsOf(argc, argv));
     if (!problem.isEmpty()) {
         return refuse(problem);
     }

@@ -89,7 +89,7 @@ bool isColoured(InspectCommandLine::Colour colour)
 {
     if (colour == InspectCommandLine::AUTO) {
         return qEnvironmentVariableIsEmpty("NO_COLOR") && qgetenv("TERM") != "dumb" &&
-               ProcessSetup::isTerminal();
+               ProcessSetup::isOutputTerminal();
     }
     return colour == InspectCommandLine::ALWAYS;
 }
@@ -194,12 +194,8 @@ int main(int argc, char** argv)
     ProcessSetup::shutOutTheEnvironment();
     std::ios::sync_with_stdio(false);
 
-    QStringList arguments;
-    for (int i = 1; i < argc; ++i) {
-        arguments.append(QString(argv[i]));
-    }
     InspectCommandLine commandLine;
-    const QString problem = commandLine.parse(arguments);
+    const QString problem = commandLine.parse(ProcessSetup::argumentsOf(argc, argv));
     const int status = problem.isEmpty() ? run(commandLine) : refuse(commandLine, problem);
     // A report that did not get there must not pass for one.
     std::cout.flush();
