@@ -85,7 +85,7 @@ SUITES = (
          "ArchiveProgressTest", "ArchiveReportTest", "ArchiveScheduleTest", "ArchiveSettingsTest",
          "AtomicFileTest", "BoundedServerTest", "DocumentBatchTest", "DocumentJobTest",
          "DocumentRecordTest", "FileIdentityTest", "HtmlTextTest", "LoginFileTest", "MachineRecordTest",
-         "ProcessLimitsTest", "StableStorageTest")
+         "ParallelProcessTest", "ProcessLimitsTest", "StableStorageTest")
         + ARCHIVE_PARTS
         + ("ArchivePage", "ArchiveMachines"),
     ),

@@ -20,6 +20,14 @@ void ArchiveProgressTest::theTimeLeftGoesByTheBytes_data()
     QTest::newRow("half") << qint64(500) << qint64(7000) << "1 of 4 documents, 7 s left";
     QTest::newRow("a tenth") << qint64(100) << qint64(20000) << "1 of 4 documents, 3 min left";
     QTest::newRow("hours") << qint64(1) << qint64(5000) << "1 of 4 documents, 1 h 23 min left";
+    // Of 1000 bytes 500 are left, so the rest takes as long as what is done.
+    QTest::newRow("almost a minute")
+        << qint64(500) << qint64(59999) << "1 of 4 documents, 59 s left";
+    QTest::newRow("a minute") << qint64(500) << qint64(60000) << "1 of 4 documents, 1 min left";
+    QTest::newRow("almost an hour")
+        << qint64(500) << qint64(3599999) << "1 of 4 documents, 59 min left";
+    QTest::newRow("an hour") << qint64(500) << qint64(3600000)
+                             << "1 of 4 documents, 1 h 0 min left";
     QTest::newRow("more than there was")
         << qint64(2000) << qint64(9000) << "1 of 4 documents, 0 s left";
     QTest::newRow("all") << qint64(1000) << qint64(5000) << "1 of 4 documents, 0 s left";

@@ -33,6 +33,10 @@ private slots:
     void aReportThatIsRightStaysAsItIs_data();
     void aReportThatIsRightStaysAsItIs();
     void aReportMayBeLargerThanMemory();
+    void linesAreAddedBehindOneThatWasCutOff_data();
+    void linesAreAddedBehindOneThatWasCutOff();
+    void aReportStandsInNothingElsesPlace_data();
+    void aReportStandsInNothingElsesPlace();
 
 private:
     QString file() const { return m_folder->filePath(QStringLiteral("report.jsonl")); }
@@ -117,6 +121,58 @@ void ArchiveReportTest::aReportMayBeLargerThanMemory()
 
     QVERIFY(isWritten && isKept);
     QVERIFY(QFileInfo(file()).size() / MEGABYTE >= LARGE_RECORDS);
+}
+
+void ArchiveReportTest::linesAreAddedBehindOneThatWasCutOff_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("between");
+    QTest::addColumn<QStringList>("paths");
+    const QByteArray whole = record("a").toLine();
+    QTest::newRow("nothing") << QByteArray() << QByteArray() << QStringList{"b"};
+    QTest::newRow("a whole line") << whole << QByteArray() << QStringList{"a", "b"};
+    QTest::newRow("half a line") << whole.left(20) << QByteArray("\n") << QStringList{"b"};
+    QTest::newRow("a line without its end")
+        << whole.chopped(1) << QByteArray("\n") << QStringList{"a", "b"};
+    QTest::newRow("one byte") << QByteArray("{") << QByteArray("\n") << QStringList{"b"};
+}
+
+void ArchiveReportTest::linesAreAddedBehindOneThatWasCutOff()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, between);
+    QFile report(file());
+    QVERIFY(report.open(QIODevice::WriteOnly) && report.write(before) == before.size());
+    report.close();
+    QVERIFY(ArchiveReport::append(file(), {record("b")}));
+    QCOMPARE(bytes(), before + between + record("b").toLine());
+    QTEST(QStringList(ArchiveReport::read(file()).keys()), "paths");
+}
+
+void ArchiveReportTest::aReportStandsInNothingElsesPlace_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<bool>("may");
+    QTest::newRow("empty") << QByteArray() << true;
+    QTest::newRow("a report") << record("a").toLine() << true;
+    DocumentRecord again = record("a");
+    again.earlier = FileIdentity{1, QStringLiteral("0f")};
+    QTest::newRow("a report of a document that stands") << again.toLine() << true;
+    QTest::newRow("a piece of a line") << QByteArray("{\"for") << true;
+    QTest::newRow("other JSON") << QByteArray("{\"name\":1}\n") << false;
+    QTest::newRow("a text") << QByteArray("Friday's show\n") << false;
+}
+
+void ArchiveReportTest::aReportStandsInNothingElsesPlace()
+{
+    QFETCH(QByteArray, content);
+    QVERIFY(ArchiveReport::mayStandIn(file()));
+    QVERIFY(!ArchiveReport::mayStandIn(m_folder->filePath("none/report.jsonl")));
+    QVERIFY(!ArchiveReport::mayStandIn(m_folder->path()));
+    QFile report(file());
+    QVERIFY(report.open(QIODevice::WriteOnly) && report.write(content) == content.size());
+    report.close();
+    QTEST(ArchiveReport::mayStandIn(file()), "may");
 }
 
 QTEST_GUILESS_MAIN(ArchiveReportTest)
