@@ -1,8 +1,14 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveParcels.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveLock.h"
+
 #include <QtTest>
 
 #include <cerrno>
+#include <cstdlib>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 class ArchiveParcelsTest : public QObject
 {
@@ -20,10 +26,15 @@ private slots:
     void whatCannotBePackedIsToldByErrno();
     void nothingBehindALinkIsTouched();
     void aWorkerOfAnotherVersionHasAnObjection();
+    void whatCutOffRunsHaveLeftIsSwept_data();
+    void whatCutOffRunsHaveLeftIsSwept();
+    void parcelsAtWorkStay();
+    void nothingIsSweptWhereParallelHasPutNothing();
 
 private:
     QString path(const QString& name) const { return m_folder->filePath(name); }
     void write(const QString& name) const;
+    void leave(const QString& parcel, int secondsAgo) const;
     static PlannedDocument document(const QString& path) { return {path, 1, false, false, {}}; }
 
     std::unique_ptr<QTemporaryDir> m_folder;
@@ -181,6 +192,83 @@ void ArchiveParcelsTest::aWorkerOfAnotherVersionHasAnObjection()
     QCOMPARE(ArchiveParcels::objection(m_settings), QString());
     settings.version = QStringLiteral("0.0.1");
     QVERIFY(ArchiveParcels::objection(settings).contains("0.0.1"));
+}
+
+// A parcel as a job leaves it that is cut off.
+void ArchiveParcelsTest::leave(const QString& parcel, int secondsAgo) const
+{
+    write(parcel + "/plan");
+    QVERIFY(QDir().mkpath(path(parcel + "/out/.coordworkspace")));
+    QFile plan(path(parcel + "/plan"));
+    QVERIFY(plan.open(QIODevice::ReadWrite));
+    QVERIFY(plan.setFileTime(QDateTime::currentDateTime().addSecs(-secondsAgo),
+                             QFileDevice::FileModificationTime));
+}
+
+void ArchiveParcelsTest::whatCutOffRunsHaveLeftIsSwept_data()
+{
+    QTest::addColumn<int>("secondsAgo");
+    QTest::addColumn<QString>("missing");
+    QTest::addColumn<QString>("more");
+    QTest::addColumn<bool>("isSwept");
+    QTest::newRow("a day ago") << 86400 << ""
+                               << "" << true;
+    QTest::newRow("less than a day ago") << 86400 - 600 << ""
+                                         << "" << false;
+    QTest::newRow("without a plan") << 100000 << "1/plan"
+                                    << "" << false;
+    QTest::newRow("without a run's folder") << 100000 << "1/out/.coordworkspace"
+                                            << "" << false;
+    QTest::newRow("with something else") << 100000 << ""
+                                         << "other/file" << false;
+}
+
+void ArchiveParcelsTest::whatCutOffRunsHaveLeftIsSwept()
+{
+    QFETCH(int, secondsAgo);
+    QFETCH(QString, missing);
+    QFETCH(QString, more);
+    leave(".parallel/tmp/old/1", secondsAgo);
+    leave(".parallel/tmp/new/1", 100000);
+    if (!missing.isEmpty()) {
+        ArchiveParcels::remove(path(".parallel/tmp/old/" + missing));
+    }
+    if (!more.isEmpty()) {
+        write(".parallel/tmp/old/" + more);
+    }
+    ArchiveParcels::sweepBeside(path(".parallel/tmp/new/1/plan"));
+    QTEST(!QFileInfo::exists(path(".parallel/tmp/old")), "isSwept");
+    QVERIFY(QFileInfo::exists(path(".parallel/tmp/new/1/plan")));
+}
+
+void ArchiveParcelsTest::parcelsAtWorkStay()
+{
+    leave(".parallel/tmp/old/1", 100000);
+    leave(".parallel/tmp/new/1", 0);
+    const QString plan = path(".parallel/tmp/new/1/plan");
+    ArchiveSettings settings;
+    settings.target = path(".parallel/tmp/old/1/out");
+    {
+        const ArchiveLock lock(settings.jobsLock(), ArchiveLock::TOGETHER);
+        // In a process of its own: a process does not stand in its own way.
+        const pid_t process = fork();
+        if (process == 0) {
+            ArchiveParcels::sweepBeside(plan);
+            _exit(EXIT_SUCCESS);
+        }
+        QCOMPARE(waitpid(process, nullptr, 0), process);
+        QVERIFY(QFileInfo::exists(path(".parallel/tmp/old/1/plan")));
+    }
+    ArchiveParcels::sweepBeside(plan);
+    QVERIFY(!QFileInfo::exists(path(".parallel/tmp/old")));
+}
+
+void ArchiveParcelsTest::nothingIsSweptWhereParallelHasPutNothing()
+{
+    leave("elsewhere/old/1", 100000);
+    leave("elsewhere/new/1", 0);
+    ArchiveParcels::sweepBeside(path("elsewhere/new/1/plan"));
+    QVERIFY(QFileInfo::exists(path("elsewhere/old/1/plan")));
 }
 
 QTEST_GUILESS_MAIN(ArchiveParcelsTest)
