@@ -85,7 +85,8 @@ SUITES = (
          "ArchiveProgressTest", "ArchiveReportTest", "ArchiveScheduleTest", "ArchiveSettingsTest",
          "AtomicFileTest", "BoundedServerTest", "DocumentBatchTest", "DocumentJobTest",
          "DocumentRecordTest", "FileIdentityTest", "HtmlTextTest", "LoginFileTest", "MachineRecordTest",
-         "ParallelProcessTest", "ProcessLimitsTest", "StableStorageTest")
+         "ParallelProcessTest", "ProcessLimitsTest", "StableStorageTest",
+         "TimedReadTest")
         + ARCHIVE_PARTS
         + ("ArchivePage", "ArchiveMachines"),
     ),

@@ -3,6 +3,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/Pipe.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ProcessLimits.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/StableStorage.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/TimedRead.h"
 
 #include <QDeadlineTimer>
 
@@ -13,7 +14,6 @@
 #include <system_error>
 #include <utility>
 
-#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -36,17 +36,13 @@ bool send(int descriptor, const Header& header, const QByteArray& bytes)
 bool receiveBytes(int descriptor, char* bytes, int size, const QDeadlineTimer& deadline)
 {
     while (size > 0) {
-        pollfd waiting{descriptor, POLLIN, 0};
-        const int ready = poll(&waiting, 1, static_cast<int>(deadline.remainingTime()));
         const ssize_t count =
-            ready > 0 ? read(descriptor, bytes, static_cast<std::size_t>(size)) : ready;
-        if (count == 0 || (count < 0 && errno != EINTR)) {
+            readBefore(deadline, descriptor, bytes, static_cast<std::size_t>(size));
+        if (count <= 0) {
             return false;
         }
-        if (count > 0) {
-            bytes += count;
-            size -= static_cast<int>(count);
-        }
+        bytes += count;
+        size -= static_cast<int>(count);
     }
     return true;
 }

@@ -1,6 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ConverterProcess.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/Pipe.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/TimedRead.h"
 
 #include <QFile>
 
@@ -9,7 +10,6 @@
 #include <csignal>
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sched.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -75,22 +75,11 @@ int statusOf(pid_t process)
 bool readToEnd(int descriptor, const QDeadlineTimer& deadline, QByteArray& bytes)
 {
     std::array<char, 256> buffer{};
-    for (;;) {
-        pollfd waiting{descriptor, POLLIN, 0};
-        const int ready = poll(&waiting, 1, static_cast<int>(deadline.remainingTime()));
-        if (ready == 0) {
-            return false;
-        }
-        const ssize_t count = ready < 0 ? -1 : read(descriptor, buffer.data(), buffer.size());
-        if (count == 0) {
-            return true;
-        }
-        if (count > 0) {
-            bytes.append(buffer.data(), static_cast<int>(count));
-        } else if (errno != EINTR) {
-            return false;
-        }
+    ssize_t count = 0;
+    while ((count = readBefore(deadline, descriptor, buffer.data(), buffer.size())) > 0) {
+        bytes.append(buffer.data(), static_cast<int>(count));
     }
+    return count == 0;
 }
 
 ConverterProcess::Outcome outcomeOf(int status, const QByteArray& said)

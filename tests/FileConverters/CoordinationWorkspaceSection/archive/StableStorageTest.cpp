@@ -1,6 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/StableStorage.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/Pipe.h"
+#include "tests/support/Interruption.h"
 #include "tests/support/WaitingCall.h"
 
 #include <QDir>
@@ -11,7 +12,6 @@
 #include <cerrno>
 #include <csignal>
 
-#include <pthread.h>
 #include <unistd.h>
 
 class StableStorageTest : public QObject
@@ -28,41 +28,6 @@ private slots:
 };
 
 namespace {
-
-std::atomic<int> interruptions{0};
-
-void countInterruption(int /*signal*/)
-{
-    ++interruptions;
-}
-
-/** While it lives, SIGUSR1 interrupts a call instead of ending the process. */
-class Interruption
-{
-public:
-    Interruption()
-    {
-        struct sigaction action = {};
-        action.sa_handler = countInterruption; // and no SA_RESTART
-        sigaction(SIGUSR1, &action, &m_before);
-    }
-    ~Interruption() { sigaction(SIGUSR1, &m_before, nullptr); }
-    Interruption(const Interruption&) = delete;
-    Interruption& operator=(const Interruption&) = delete;
-
-    /** Returns when the thread has handled the signal. */
-    static void interrupt(pthread_t thread)
-    {
-        const int before = interruptions;
-        pthread_kill(thread, SIGUSR1);
-        while (interruptions == before) {
-            std::this_thread::yield();
-        }
-    }
-
-private:
-    struct sigaction m_before = {};
-};
 
 QByteArray readBytes(int descriptor, int size)
 {
