@@ -68,8 +68,8 @@ SUITES = (
             for name in ("main.cpp", "ProcessSetup.cpp", "StandardInput.cpp", "Utf8Output.cpp",
                          "ConversionSteps.cpp", CONVERTER + ".cpp")
         ),
-        ("ConversionStepsTest", CONVERTER + "Test", "Utf8OutputTest", "ConverterProgramTest",
-         "SecondOpinion", "Promises"),
+        ("ConversionStepsTest", CONVERTER + "Test", "ProcessSetupTest", "Utf8OutputTest",
+         "ConverterProgramTest", "SecondOpinion", "Promises"),
     ),
     Suite(
         "inspector",
