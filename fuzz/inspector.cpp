@@ -15,6 +15,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/inspect/ReportText.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 
+#include <QDomDocument>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -22,6 +23,7 @@
 
 #include <boost/uuid/uuid_io.hpp>
 
+#include <algorithm>
 #include <sstream>
 
 using FuzzTarget::require;
@@ -133,6 +135,60 @@ void checkLines(const Findings& findings, int lines)
     }
 }
 
+bool isSame(const Finding& one, const Finding& other)
+{
+    return one.kind == other.kind && one.text == other.text && one.place.line == other.place.line &&
+           one.place.path == other.place.path;
+}
+
+// What an archive asks for, which is not all.
+void checkLossesAlone(const DocumentText& text, const Inspection& all)
+{
+    ReadError error;
+    const std::optional<Inspection> inspection = inspectDocument(text, error, FindingList::LOSSES);
+    require(inspection && inspection->notes.empty(), "notes that nobody wants are not there");
+    require(inspection->advice == all.advice && inspection->systems.size() == all.systems.size(),
+            "the verdict is the same without notes");
+    require(std::equal(inspection->losses.begin(), inspection->losses.end(), all.losses.begin(),
+                       all.losses.end(), isSame),
+            "losses are the same without notes");
+}
+
+// By the production Char of XML 1.0, but for the halves of characters beyond 16 bits.
+bool isForNobody(const QString& value)
+{
+    return std::any_of(value.begin(), value.end(), [](QChar character) {
+        return (character < QChar(0x20) && !QStringLiteral("\t\n\r").contains(character)) ||
+               character == QChar(0xFFFE) || character == QChar(0xFFFF);
+    });
+}
+
+bool holdsWhatIsForNobody(const QDomNode& node)
+{
+    const QDomNamedNodeMap attributes = node.attributes();
+    for (int i = 0; i < attributes.size(); ++i) {
+        if (isForNobody(attributes.item(i).nodeValue())) {
+            return true;
+        }
+    }
+    for (QDomNode child = node.firstChild(); !child.isNull(); child = child.nextSibling()) {
+        if (holdsWhatIsForNobody(child)) {
+            return true;
+        }
+    }
+    return isForNobody(node.nodeValue());
+}
+
+void checkCharacters(const DocumentText& text, const Inspection& inspection)
+{
+    QDomDocument document;
+    document.setContent(text.text());
+    const bool isFound =
+        std::any_of(inspection.losses.begin(), inspection.losses.end(),
+                    [](const Finding& loss) { return loss.kind == Finding::INVALID_CHARACTER; });
+    require(isFound == holdsWhatIsForNobody(document), "characters that none may hold are found");
+}
+
 // --- Verification ----------------------------------------------------------------------------
 
 void checkVerification(const DocumentText& before, const ConvertedDocument& converted)
@@ -171,6 +227,8 @@ void check(const DocumentText& text, int lines)
     checkVerdict(*inspection, converted);
     checkLines(inspection->losses, lines);
     checkLines(inspection->notes, lines);
+    checkLossesAlone(text, *inspection);
+    checkCharacters(text, *inspection);
     const QJsonObject object = checkReport(DocumentReport{"document", *inspection});
     require(object[QStringLiteral("systems")].toArray().size() ==
                 static_cast<int>(inspection->systems.size()),
