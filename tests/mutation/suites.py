@@ -75,8 +75,8 @@ SUITES = (
         "inspector",
         (CONVERSION + "inspect/*.cpp",),
         ("InspectionTest", "FindingListTest", "DocumentTextTest", "DocumentPlacesTest",
-         "TextLayoutTest", "InspectCommandLineTest", "JsonLineTest", "InspectProgram", "InspectMistakes",
-         "InspectAgreement"),
+         "DocumentTreeTest", "TextLayoutTest", "InspectCommandLineTest", "JsonLineTest",
+         "InspectProgram", "InspectMistakes", "InspectAgreement"),
     ),
     Suite(
         "archive",

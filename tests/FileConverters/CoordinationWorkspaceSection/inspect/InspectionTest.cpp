@@ -316,6 +316,9 @@ void InspectionTest::everythingThatIsLostIsFound_data()
         {"unread-element 7 " + config1 + "/profile/Zone"});
     row("flag that no document can clear", {{"<compat_flags>", "<compat_flags><ch_ch>0</ch_ch>"}},
         {"unread-element 7 " + config1 + "/compat_flags/ch_ch"});
+    row("nothing in what no rule reads is looked at",
+        {{"<compat_flags>", "<compat_flags><ch_ch x=\"y\">off<z/></ch_ch>"}},
+        {"unread-element 7 " + config1 + "/compat_flags/ch_ch"});
     row("element beside the configurations", {{"<compat_configs>", "<compat_configs><note/>"}},
         {"unread-element 6 " + CONFIGS + "/note"});
     row("element beside the profiles", {{"<compat_profiles>", "<compat_profiles><note/>"}},
