@@ -5,6 +5,7 @@
 #include <QSet>
 #include <QtTest>
 
+#include <algorithm>
 #include <sstream>
 
 using Edits = QVector<QPair<QString, QString>>;
@@ -116,6 +117,8 @@ private slots:
     void standardInputLosesLineBreaks();
     void containersGoByDesign();
     void systemsAreForetold();
+    void systemsAreNamedByTheirFields_data();
+    void systemsAreNamedByTheirFields();
     void switchedOffSpacingsAreNoLoss();
     void countsAreTheDocuments();
     void versionDecides_data();
@@ -586,6 +589,39 @@ void InspectionTest::systemsAreForetold()
     QCOMPARE(QString::fromStdString(second.key.zone), QStringLiteral("Z"));
     QCOMPARE(second.oldName, QStringLiteral("robust"));
     QCOMPARE(QString::fromStdString(second.after.name), QStringLiteral("Robust"));
+}
+
+void InspectionTest::systemsAreNamedByTheirFields_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("name");
+    QTest::newRow("one field") << "<band>G1</band>"
+                               << "\"G1\"";
+    QTest::newRow("all fields, in the order of the key")
+        << "<incl_group>2</incl_group><tx_profile>High</tx_profile><band>G1</band>"
+           "<series>T</series><zone>Z</zone>"
+        << "\"Z / T / G1 / High / 2\"";
+    QTest::newRow("an empty field between") << "<zone>Z</zone><series/><band>G1</band>"
+                                            << "\"Z / G1\"";
+    QTest::newRow("none") << ""
+                          << "without a name";
+}
+
+void InspectionTest::systemsAreNamedByTheirFields()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, name);
+    const Edits edits = {
+        {"<compat_key><series>T</series></compat_key>", "<compat_key>" + key + "</compat_key>"},
+        {"<compat_config><profile><series>T</series></profile></compat_config>", ""}};
+    const Findings losses = inspected(fromFile(edited(edits))).losses;
+    const auto loss = std::find_if(losses.begin(), losses.end(), [](const Finding& finding) {
+        return finding.kind == Finding::SYSTEM_WITHOUT_CONFIGURATION;
+    });
+    QVERIFY(loss != losses.end());
+    QCOMPARE(loss->text, QStringLiteral("The system %1 has no configuration: it does not reach the"
+                                        " new element.")
+                             .arg(name));
 }
 
 void InspectionTest::switchedOffSpacingsAreNoLoss()
