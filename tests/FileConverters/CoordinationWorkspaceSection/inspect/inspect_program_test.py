@@ -132,6 +132,21 @@ class Reports(Inspect):
             self.assertEqual(report["losses"][0]["kind"], "already-current")
             self.assertIn(b"Do not convert it", self.inspect(converted).stdout)
 
+    def test_the_section_is_told_with_its_version(self):
+        for section, told in {
+            '<coordinated_data_root version="0.3"/>': "version 0.3: current already",
+            '<coordinated_data_root version="0.2"/>': "version 0.2: can be converted",
+            '<coordinated_data_root version="0.4"/>': "version 0.4: newer than this software knows",
+            '<coordinated_data_root version="0.0"/>': "version 0.0: not known to convert",
+            "<coordinated_data_root/>": "without a version: not known to convert",
+        }.items():
+            with self.subTest(section=section):
+                run = self.inspect(self.write("section.xml", section))
+                line = next(line for line in run.stdout.decode().splitlines() if "Section" in line)
+                self.assertTrue(line.endswith(f" coordinated_data_root, {told}"), line)
+        run = self.inspect(self.write("section.xml", "<a/>"))
+        self.assertIn("Section  not exactly one\n", run.stdout.decode())
+
     def test_standard_input_has_the_places_of_the_file(self):
         for _, path in self.each_sample():
             from_file = self.json_line(self.inspect("--json", path))
@@ -260,8 +275,9 @@ class Statuses(Inspect):
 
     def test_a_report_that_cannot_be_written_is_no_answer(self):
         with open("/dev/full", "wb") as full:
-            for arguments in ((), ("--json",)):
-                run = subprocess.run([INSPECT, *arguments, SAMPLES[0]], stdout=full,
+            # One that is shorter than what a stream keeps back has to be noticed as well.
+            for arguments in ((SAMPLES[0],), ("--json", SAMPLES[0]), ("--version",)):
+                run = subprocess.run([INSPECT, *arguments], stdout=full,
                                      stderr=subprocess.PIPE, timeout=60, env=self.environment())
                 self.assertEqual(run.returncode, 1)
 
