@@ -35,16 +35,16 @@ void DocumentTreeTest::equalContentsHaveOneNumber_data()
     QTest::addColumn<QString>("one");
     QTest::addColumn<QString>("other");
     QTest::addColumn<bool>("isEqual");
-    const QString simple = "<a x=\"1\" y=\"2\"><b/>text</a>";
+    const QString simple = R"(<a x="1" y="2"><b/>text</a>)";
     QTest::newRow("the same") << simple << simple << true;
     QTest::newRow("another order of attributes")
-        << simple << "<a y=\"2\" x=\"1\"><b/>text</a>" << true;
+        << simple << R"(<a y="2" x="1"><b/>text</a>)" << true;
     QTest::newRow("another order of children")
-        << simple << "<a x=\"1\" y=\"2\">text<b/></a>" << false;
-    QTest::newRow("another value") << simple << "<a x=\"1\" y=\"3\"><b/>text</a>" << false;
-    QTest::newRow("another attribute") << simple << "<a x=\"1\" z=\"2\"><b/>text</a>" << false;
-    QTest::newRow("another name") << simple << "<a x=\"1\" y=\"2\"><c/>text</a>" << false;
-    QTest::newRow("another text") << simple << "<a x=\"1\" y=\"2\"><b/>texts</a>" << false;
+        << simple << R"(<a x="1" y="2">text<b/></a>)" << false;
+    QTest::newRow("another value") << simple << R"(<a x="1" y="3"><b/>text</a>)" << false;
+    QTest::newRow("another attribute") << simple << R"(<a x="1" z="2"><b/>text</a>)" << false;
+    QTest::newRow("another name") << simple << R"(<a x="1" y="2"><c/>text</a>)" << false;
+    QTest::newRow("another text") << simple << R"(<a x="1" y="2"><b/>texts</a>)" << false;
     QTest::newRow("a comment for a text") << "<a>b</a>"
                                           << "<a><!--b--></a>" << false;
     QTest::newRow("one child more") << "<a><b/></a>"
@@ -52,8 +52,8 @@ void DocumentTreeTest::equalContentsHaveOneNumber_data()
     QTest::newRow("a child one level up") << "<a><b/><b/></a>"
                                           << "<a><b><b/></b></a>" << false;
     QTest::newRow("another declaration in the document type")
-        << "<!DOCTYPE a [<!ENTITY e SYSTEM \"1\">]><a/>"
-        << "<!DOCTYPE a [<!ENTITY e SYSTEM \"2\">]><a/>" << false;
+        << R"(<!DOCTYPE a [<!ENTITY e SYSTEM "1">]><a/>)"
+        << R"(<!DOCTYPE a [<!ENTITY e SYSTEM "2">]><a/>)" << false;
     QTest::newRow("a document type more") << "<a/>"
                                           << "<!DOCTYPE a><a/>" << false;
 }
@@ -74,15 +74,15 @@ void DocumentTreeTest::nodesAreDescribed_data()
     QTest::addColumn<QString>("content");
     QTest::addColumn<QString>("description"); // of the element's child
     QTest::newRow("element") << "<a><b>text</b></a>"
-                             << "The element \"b\"";
+                             << R"(The element "b")";
     QTest::newRow("text") << "<a>some text</a>"
-                          << "The text \"some text\"";
+                          << R"(The text "some text")";
     QTest::newRow("text in a section") << "<a><![CDATA[a < b]]></a>"
-                                       << "The text \"a < b\"";
+                                       << R"(The text "a < b")";
     QTest::newRow("comment") << "<a><!-- old --></a>"
-                             << "The comment \" old \"";
+                             << R"(The comment " old ")";
     QTest::newRow("instruction") << "<a><?print twice?></a>"
-                                 << "The declaration \"twice\"";
+                                 << R"(The declaration "twice")";
 }
 
 void DocumentTreeTest::nodesAreDescribed()
@@ -113,7 +113,7 @@ void DocumentTreeTest::kindIsTypeAndName_data()
     QTest::addColumn<QString>("one");
     QTest::addColumn<QString>("other");
     QTest::addColumn<bool>("isSame");
-    QTest::newRow("elements of a name") << "<b x=\"1\"/>"
+    QTest::newRow("elements of a name") << R"(<b x="1"/>)"
                                         << "<b>text</b>" << true;
     QTest::newRow("elements of two names") << "<b/>"
                                            << "<c/>" << false;
