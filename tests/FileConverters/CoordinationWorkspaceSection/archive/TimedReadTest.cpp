@@ -21,6 +21,7 @@ private slots:
     void timeEndsTheWait();
     void waitGoesOn_data();
     void waitGoesOn();
+    void longWaitIsNotCutOff();
     void failureIsTold();
 
 private:
@@ -72,8 +73,7 @@ void TimedReadTest::waitGoesOn_data()
     QTest::addColumn<bool>("isInterrupted");
     QTest::newRow("without an end") << qint64(-1) << false;
     QTest::newRow("whatever interrupts it") << qint64(-1) << true;
-    QTest::newRow("longer than an int counts") << (qint64(1) << 32) << false;
-    QTest::newRow("longer than the half of that") << (qint64(1) << 31) + 1 << true;
+    QTest::newRow("longer than an int counts") << (qint64(1) << 31) + 1000 << true;
 }
 
 void TimedReadTest::waitGoesOn()
@@ -95,6 +95,25 @@ void TimedReadTest::waitGoesOn()
         QVERIFY(call.waitUntilAsleep());
     }
     QCOMPARE(count.load(), ssize_t(-2));
+    QCOMPARE(write(pipe.writeEnd.number(), "x", 1), ssize_t(1));
+    call.end();
+    QCOMPARE(count.load(), ssize_t(1));
+}
+
+// Of a time that is twice as long as an int counts, 20 ms would be left of it.
+void TimedReadTest::longWaitIsNotCutOff()
+{
+    const Pipe pipe;
+    const QDeadlineTimer deadline((qint64(1) << 32) + 20);
+    std::atomic<ssize_t> count{-2};
+    WaitingCall call([&] {
+        count = readBefore(deadline, pipe.readEnd.number(), m_bytes.data(), m_bytes.size());
+    });
+    QVERIFY(call.waitUntilAsleep());
+    const QDeadlineTimer cutOff(40);
+    while (!cutOff.hasExpired()) {
+        std::this_thread::yield();
+    }
     QCOMPARE(write(pipe.writeEnd.number(), "x", 1), ssize_t(1));
     call.end();
     QCOMPARE(count.load(), ssize_t(1));
