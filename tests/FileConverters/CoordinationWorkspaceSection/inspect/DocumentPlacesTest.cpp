@@ -58,6 +58,8 @@ void DocumentPlacesTest::placeIsWhereTheElementBegins_data()
     QTest::addColumn<QString>("content");
     QTest::addColumn<int>("line");
     QTest::addColumn<QString>("path");
+    QTest::newRow("of an entity, behind an element")
+        << "<!DOCTYPE a [<!ENTITY e \"<x/>\">]>\n<a><b>text</b>\n&e;</a>" << 3 << "/a/x";
     QTest::newRow("outermost") << "\n<x/>" << 2 << "/x";
     QTest::newRow("alone") << "<a>\n<x/></a>" << 2 << "/a/x";
     QTest::newRow("alone of its name") << "<a><b/>\n<x/>\n<b/></a>" << 2 << "/a/x";

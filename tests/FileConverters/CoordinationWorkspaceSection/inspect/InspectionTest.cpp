@@ -543,6 +543,12 @@ void InspectionTest::standardInputLosesLineBreaks_data()
     QTest::newRow("that kept an instruction open where nothing follows")
         << Edits{{"<level>1", "<level><x><?keep ?\n><b/>?></x>1"}}
         << QStringList{"line-break 15 /coordinated_data_root/compatibility_levels/level/x"};
+    // Without the line break the instruction ends, and what followed it is a comment.
+    QTest::newRow("that hid the outermost element")
+        << Edits{{"<coordinated_data_root version", "<?keep ?\n><coordinated_data_root version"},
+                 {"</coordinated_data_root>",
+                  "</coordinated_data_root><!-- ?><b/><?and --><?and ?>"}}
+        << QStringList{"line-break 2 /coordinated_data_root"};
     QTest::newRow("that made a comment of what is none")
         << Edits{{"<level>1", "<!\n-- --><level>1"}}
         << QStringList{"line-break 1 /coordinated_data_root"};
