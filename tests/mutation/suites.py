@@ -81,12 +81,14 @@ SUITES = (
     Suite(
         "archive",
         (CONVERSION + "archive/*.cpp",),
-        ("ArchiveHistoryTest", "ArchiveLockTest", "ArchivePageTest", "ArchiveParcelsTest",
-         "ArchiveProgressTest", "ArchiveReportTest", "ArchiveScheduleTest", "ArchiveSettingsTest",
-         "AtomicFileTest", "BoundedServerTest", "DocumentBatchTest", "DocumentJobTest",
-         "DocumentRecordTest", "FileIdentityTest", "HtmlTextTest", "LoginFileTest", "MachineRecordTest",
-         "ParallelProcessTest", "ProcessLimitsTest", "StableStorageTest",
-         "TimedReadTest")
+        ("ArchiveCommandLineTest", "ArchiveHistoryTest", "ArchiveLockTest", "ArchivePageRowTest",
+         "ArchivePageTest", "ArchiveParcelsTest", "ArchivePlanTest", "ArchiveProgressTest",
+         "ArchiveReportTest", "ArchiveScheduleTest", "ArchiveSettingsTest", "ArchiveSummaryTest",
+         "ArchiveTreeTest", "AtomicFileTest", "BoundedServerTest", "ChangedSystemTest",
+         "ConverterProcessTest", "DocumentBatchTest", "DocumentJobTest", "DocumentRecordTest",
+         "FileIdentityTest", "HtmlTextTest", "LoginFileTest", "MachineRecordTest",
+         "MachinesRoundTest", "ParallelProcessTest", "PipeTest", "ProcessLimitsTest",
+         "StableStorageTest", "StopSignalsTest", "TimedReadTest")
         + ARCHIVE_PARTS
         + ("ArchivePage", "ArchiveMachines"),
     ),

@@ -11,8 +11,6 @@ class DocumentRecordTest : public QObject
     Q_OBJECT
 
 private slots:
-    void onlySystemsWhoseSpacingsChangeAreTold();
-    void onlySpacingsThatChangeAreWritten();
     void systemsGoThroughALineAndBack();
     void linesFromBeforeTheSystemsAreRead();
     void noSystemsIsNotTheSameAsNotToldOf();
@@ -46,41 +44,6 @@ DocumentRecord convertedRecord()
 }
 
 } // namespace
-
-void DocumentRecordTest::onlySystemsWhoseSpacingsChangeAreTold()
-{
-    const auto changed = ChangedSystem::among(
-        {systemOf("first", 150, 0), systemOf("same", 150, 150), systemOf("last", 0, 150)});
-    QCOMPARE(changed.size(), 2);
-    QCOMPARE(changed[0].key(), QStringList({"Zone", "first", "G1", "Mode", "2"}));
-    QCOMPARE(changed[1].series, QStringLiteral("last"));
-    QCOMPARE(changed[0].nameBefore, QStringLiteral("median"));
-    QCOMPARE(changed[0].nameAfter, QStringLiteral("Standard"));
-    QVERIFY(!changed[0].spacings[0].isThere());
-    QCOMPARE(changed[0].spacings[1].before, 150);
-    QCOMPARE(changed[0].spacings[1].after, 0);
-    QCOMPARE(ChangedSystem::headingOf(1), QStringLiteral("2T3O"));
-}
-
-void DocumentRecordTest::onlySpacingsThatChangeAreWritten()
-{
-    DocumentRecord record = convertedRecord();
-    record.systems = ChangedSystem::among({systemOf("S", 150, 0)});
-    const QJsonArray systems =
-        QJsonDocument::fromJson(record.toLine()).object().value("systems").toArray();
-    QCOMPARE(systems.size(), 1);
-    const QJsonObject system = systems[0].toObject();
-    QCOMPARE(system, QJsonObject({
-                         {"zone", "Zone"},
-                         {"series", "S"},
-                         {"band", "G1"},
-                         {"tx_profile", "Mode"},
-                         {"incl_group", "2"},
-                         {"name", QJsonObject{{"before", "median"}, {"after", "Standard"}}},
-                         {"spacings",
-                          QJsonObject{{"imd_2t3o", QJsonObject{{"before", 150}, {"after", 0}}}}},
-                     }));
-}
 
 void DocumentRecordTest::systemsGoThroughALineAndBack()
 {
