@@ -942,10 +942,21 @@ class Streams(ArchiveTest):
         self.assertTrue(seen.endswith(b"\r\x1b[K8 documents: 8 converted, 0 current, 0 lossy,"
                                       b" 0 refused, 0 limit, 0 failed\r\n"), seen)
 
-    def seen_at_a_terminal(self, *options):
+    def test_one_stream_at_a_terminal_shows_no_progress(self):
+        self.archive.add("a.xml", CLEAN)
+        line = b"1 documents: 1 converted, 0 current, 0 lossy, 0 refused, 0 limit, 0 failed"
+        with tempfile.TemporaryFile() as errors:
+            self.assertEqual(self.seen_at_a_terminal(stderr=errors), line + b"\r\n")
+            self.assertEqual(errors.tell(), 0)
+        shutil.rmtree(self.archive.target)
+        with tempfile.TemporaryFile() as output:
+            self.assertEqual(self.seen_at_a_terminal(stdout=output), b"")
+            self.assertEqual(output.tell(), len(line) + 1)
+
+    def seen_at_a_terminal(self, *options, **elsewhere):
         ours, theirs = pty.openpty()
-        run = subprocess.Popen(self.archive.arguments(*options), stdin=subprocess.DEVNULL,
-                               stdout=theirs, stderr=theirs)
+        streams = {"stdout": theirs, "stderr": theirs, **elsewhere}
+        run = subprocess.Popen(self.archive.arguments(*options), stdin=subprocess.DEVNULL, **streams)
         os.close(theirs)
         seen = b""
         try:
