@@ -26,7 +26,7 @@ bool endsInsideALine(int descriptor)
 {
     char last = '\n';
     const off_t size = lseek(descriptor, 0, SEEK_END);
-    return size > 0 && pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
+    return size > 0 && pread(descriptor, &last, sizeof last, size - 1) == 1 && last != '\n';
 }
 
 // Line by line: all of them together may be more than memory, or one QByteArray, holds.
