@@ -81,14 +81,16 @@ SUITES = (
     Suite(
         "archive",
         (CONVERSION + "archive/*.cpp",),
-        ("ArchiveCommandLineTest", "ArchiveHistoryTest", "ArchiveLockTest", "ArchivePageRowTest",
-         "ArchivePageTest", "ArchiveParcelsTest", "ArchivePlanTest", "ArchiveProgressTest",
+        ("ArchiveCommandLineTest", "ArchiveConversionTest", "ArchiveHistoryTest",
+         "ArchiveLockTest", "ArchiveMessagesTest", "ArchivePageRowTest", "ArchivePageTest",
+         "ArchiveParcelsTest", "ArchivePlacesTest", "ArchivePlanTest", "ArchiveProgressTest",
          "ArchiveReportTest", "ArchiveScheduleTest", "ArchiveSettingsTest", "ArchiveSummaryTest",
-         "ArchiveTreeTest", "AtomicFileTest", "BoundedServerTest", "ChangedSystemTest",
-         "ConverterProcessTest", "DocumentBatchTest", "DocumentJobTest", "DocumentRecordTest",
-         "FileIdentityTest", "HtmlTextTest", "LoginFileTest", "MachineRecordTest",
-         "MachinesRoundTest", "ParallelProcessTest", "PipeTest", "ProcessLimitsTest",
-         "StableStorageTest", "StopSignalsTest", "TimedReadTest")
+         "ArchiveSurveyTest", "ArchiveTreeTest", "AtomicFileTest", "BoundedServerTest",
+         "ChangedSystemTest", "ConverterProcessTest", "DocumentBatchTest", "DocumentJobTest",
+         "DocumentRecordTest", "FileIdentityTest", "HtmlTextTest", "LoginFileTest",
+         "MachineRecordTest", "MachinesRoundTest", "ParallelProcessTest", "PipeTest",
+         "ProcessLimitsTest", "RunRecordsTest", "StableStorageTest", "StopSignalsTest",
+         "TimedReadTest")
         + ARCHIVE_PARTS
         + ("ArchivePage", "ArchiveMachines"),
     ),

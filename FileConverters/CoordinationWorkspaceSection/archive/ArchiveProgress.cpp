@@ -1,5 +1,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveProgress.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
 #include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
 
 #include <algorithm>
@@ -35,6 +36,11 @@ ArchiveProgress::ArchiveProgress(QString what, int count, qint64 bytes, bool isT
       m_nextShow(isTerminal ? 0 : LINE_INTERVAL_MS)
 {
     m_timer.start();
+}
+
+bool ArchiveProgress::isAtTerminal()
+{
+    return ProcessSetup::isOutputTerminal() && ProcessSetup::isErrorTerminal();
 }
 
 void ArchiveProgress::advance(qint64 bytes)

@@ -1,6 +1,8 @@
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
 #include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveCommandLine.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveMessages.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePlaces.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveRun.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/StopSignals.h"
 
@@ -13,10 +15,8 @@ namespace {
 
 ArchiveStatus refuse(const QString& problem)
 {
-    writeUtf8(QStringLiteral("coordworkspace-convert-archive: %1\n"
-                             "coordworkspace-convert-archive --help tells the usage\n")
-                  .arg(problem),
-              std::cerr);
+    ArchiveMessages::say(problem);
+    std::cerr << "coordworkspace-convert-archive --help tells the usage\n";
     return ARCHIVE_USAGE;
 }
 
@@ -27,15 +27,12 @@ ArchiveStatus convert(ArchiveCommandLine commandLine)
         ProcessSetup::fromThisProgram("CoordWorkSpaceSectionConverter0_3");
     for (const QString& program : {worker, commandLine.settings.converter}) {
         if (!QFileInfo(program).isExecutable()) {
-            writeUtf8(QStringLiteral("coordworkspace-convert-archive: a program is missing: %1\n")
-                          .arg(program),
-                      std::cerr);
+            ArchiveMessages::say(QStringLiteral("a program is missing: %1").arg(program));
             return ARCHIVE_UNAVAILABLE;
         }
     }
-    ArchiveRun run(commandLine, worker);
-    const QString objection = run.objection();
-    return objection.isEmpty() ? run.run() : refuse(objection);
+    const QString objection = ArchivePlaces::objection(commandLine);
+    return objection.isEmpty() ? ArchiveRun(commandLine, worker).run() : refuse(objection);
 }
 
 ArchiveStatus show(ArchiveCommandLine::Task task)

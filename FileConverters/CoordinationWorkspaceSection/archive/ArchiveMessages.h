@@ -1,0 +1,19 @@
+#pragma once
+
+#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveSummary.h"
+
+#include <QString>
+
+/** What coordworkspace-convert-archive tells people on standard error. */
+namespace ArchiveMessages {
+
+/** Tells one line. What a terminal would obey in it shows as text. */
+void say(const QString& text);
+
+/** Tells that something cannot be written, for the reason that is in errno. */
+ArchiveStatus sayCannotWrite(const QString& what);
+
+/** Tells that the run has stopped because it was asked to. */
+ArchiveStatus sayStopped();
+
+} // namespace ArchiveMessages
