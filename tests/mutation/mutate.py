@@ -61,11 +61,12 @@ def all_mistakes(copy, patterns):
 
 
 def drawn(found, seed):
-    """In an order of chance that a change of one source changes only for the mistakes there."""
+    """In an order of chance that a change of one source changes only for the mistakes there, and a
+    move to another folder for none."""
     seen = collections.Counter()
     order = []
     for mistake in found:
-        told = f"{seed} {mistake.path} {mistake.kind} {mistake.before}"
+        told = f"{seed} {pathlib.PurePath(mistake.path).name} {mistake.kind} {mistake.before}"
         seen[told] += 1  # the same change can be made twice in a line, and in lines that are equal
         order.append((hashlib.sha256(f"{told} {seen[told]}".encode()).digest(), mistake))
     return [mistake for _, mistake in sorted(order)]
