@@ -5,7 +5,7 @@
 
 #include "fuzz/FuzzTarget.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/archive/DocumentRecord.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/report/DocumentRecord.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

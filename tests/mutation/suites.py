@@ -80,7 +80,7 @@ SUITES = (
     ),
     Suite(
         "archive",
-        (CONVERSION + "archive/*.cpp",),
+        (CONVERSION + "archive/*.cpp", CONVERSION + "archive/*/*.cpp"),
         ("ArchiveCommandLineTest", "ArchiveConversionTest", "ArchiveHistoryTest",
          "ArchiveLockTest", "ArchiveMessagesTest", "ArchivePageRowTest", "ArchivePageTest",
          "ArchiveParcelsTest", "ArchivePlacesTest", "ArchivePlanTest", "ArchiveProgressTest",
@@ -88,9 +88,9 @@ SUITES = (
          "ArchiveSurveyTest", "ArchiveTreeTest", "AtomicFileTest", "BoundedServerTest",
          "ChangedSystemTest", "ConverterProcessTest", "DocumentBatchTest", "DocumentJobTest",
          "DocumentRecordTest", "FileIdentityTest", "HtmlTextTest", "LoginFileTest",
-         "MachineRecordTest", "MachinesRoundTest", "ParallelProcessTest", "PipeTest",
-         "ProcessLimitsTest", "RunRecordsTest", "StableStorageTest", "StopSignalsTest",
-         "TimedReadTest")
+         "MachineRecordTest", "MachinesRoundTest", "ParallelProcessTest", "PathsTest",
+         "PipeTest", "ProcessLimitsTest", "RunRecordsTest", "StableStorageTest",
+         "StopSignalsTest", "TimedReadTest")
         + ARCHIVE_PARTS
         + ("ArchivePage", "ArchiveMachines"),
     ),

@@ -11,6 +11,13 @@ import sys
 CONVERTER = "FileConverters/CoordinationWorkspaceSection"
 INSPECTOR = f"{CONVERTER}/inspect"
 ARCHIVE = f"{CONVERTER}/archive"
+FILES = f"{ARCHIVE}/files"
+PROCESSES = f"{ARCHIVE}/processes"
+JOBS = f"{ARCHIVE}/jobs"
+REPORT = f"{ARCHIVE}/report"
+PAGE = f"{ARCHIVE}/page"
+WORKER = f"{ARCHIVE}/worker"
+MACHINES = f"{ARCHIVE}/machines"
 COMPATIBILITY = "ZelMain/FrequencyCompatibility"
 RECORDS = "ZelMain/FrequencyCompatibility/shared"
 
@@ -19,7 +26,14 @@ RECORDS = "ZelMain/FrequencyCompatibility/shared"
 ARROWS = {
     CONVERTER: {COMPATIBILITY, RECORDS, "ZelMain/ImportExport"},
     INSPECTOR: {CONVERTER, COMPATIBILITY, RECORDS, "ZelMain/ImportExport"},
-    ARCHIVE: {CONVERTER, INSPECTOR, COMPATIBILITY, RECORDS, "ZelMain/ImportExport"},
+    FILES: {INSPECTOR},
+    PROCESSES: {FILES},
+    JOBS: {FILES, PROCESSES, INSPECTOR},
+    REPORT: {FILES, JOBS, INSPECTOR},
+    PAGE: {FILES, REPORT},
+    WORKER: {FILES, PROCESSES, JOBS, REPORT, INSPECTOR},
+    MACHINES: {FILES, JOBS, REPORT, WORKER},
+    ARCHIVE: {FILES, PROCESSES, JOBS, REPORT, PAGE, WORKER, MACHINES, CONVERTER, INSPECTOR},
     COMPATIBILITY: {RECORDS, "ZelMain/Frequency"},
     RECORDS: set(),
     "ZelMain/ImportExport": {"ZelMain/Diagnostics"},
@@ -79,6 +93,7 @@ def check_the_check() -> None:
         (f"{RECORDS}/A.h", '#  include "ZelMain/Frequency.h"'),
         (f"{CONVERTER}/A.cpp", f'#include "{INSPECTOR}/A.h"'),
         (f"{INSPECTOR}/A.cpp", f'#include "{ARCHIVE}/A.h"'),
+        (f"{WORKER}/A.cpp", f'#include "{MACHINES}/A.h"'),
         ("ZelMain/Other/A.cpp", ""),
         ("ZelMain/Frequency.cpp", '#include "../FileConverters/A.h"'),
     ]

@@ -1,7 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveCommandLine.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveTree.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/LoginFile.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/files/Paths.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/machines/LoginFile.h"
 
 #include <QCommandLineOption>
 #include <QCommandLineParser>
@@ -147,8 +147,8 @@ QString parseFolders(const QCommandLineParser& parser, ArchiveSettings& settings
     if (folders.size() != 2 || folders.contains(QString())) {
         return QStringLiteral("the folders SOURCE and TARGET are to be named");
     }
-    settings.source = ArchiveTree::realPath(folders[0]);
-    settings.target = ArchiveTree::realPath(folders[1]);
+    settings.source = Paths::real(folders[0]);
+    settings.target = Paths::real(folders[1]);
     return {};
 }
 
@@ -160,10 +160,10 @@ QString parseFiles(const QCommandLineParser& parser, ArchiveCommandLine& line)
         }
     }
     line.settings.report = parser.isSet(QStringLiteral("report"))
-                               ? ArchiveTree::realPath(parser.value(QStringLiteral("report")))
+                               ? Paths::real(parser.value(QStringLiteral("report")))
                                : line.settings.usualReport();
     if (parser.isSet(QStringLiteral("html"))) {
-        line.page = ArchiveTree::realPath(parser.value(QStringLiteral("html")));
+        line.page = Paths::real(parser.value(QStringLiteral("html")));
     }
     return {};
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveSettings.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/jobs/ArchiveSettings.h"
 
 #include <QStringList>
 

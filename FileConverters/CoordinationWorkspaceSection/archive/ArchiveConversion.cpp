@@ -1,11 +1,11 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveConversion.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveMessages.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveParcels.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveTree.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/MachinesRound.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/ParallelProcess.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/StopSignals.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/jobs/ParallelProcess.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/machines/ArchiveParcels.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/machines/MachinesRound.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/processes/StopSignals.h"
 
 #include <QDir>
 #include <QThread>

@@ -2,8 +2,8 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveCommandLine.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveProgress.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveSchedule.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/RunRecords.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/jobs/ArchiveSchedule.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/report/RunRecords.h"
 
 #include <QSet>
 

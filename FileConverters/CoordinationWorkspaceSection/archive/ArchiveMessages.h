@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveSummary.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/report/ArchiveSummary.h"
 
 #include <QString>
 

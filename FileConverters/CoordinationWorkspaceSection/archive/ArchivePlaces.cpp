@@ -1,8 +1,8 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePlaces.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePage.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveReport.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveTree.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/files/Paths.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/page/ArchivePage.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/report/ArchiveReport.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -26,7 +26,7 @@ QString objectionToFolders(const ArchiveSettings& settings)
     if (target.exists() && !target.isDir()) {
         return QStringLiteral("TARGET is no folder: %1").arg(settings.target);
     }
-    if (ArchiveTree::overlap(settings.source, settings.target)) {
+    if (Paths::overlap(settings.source, settings.target)) {
         return QStringLiteral("SOURCE and TARGET are the same folder, or one is inside the other");
     }
     return {};
@@ -34,13 +34,13 @@ QString objectionToFolders(const ArchiveSettings& settings)
 
 QString objectionToReport(const ArchiveSettings& settings)
 {
-    if (ArchiveTree::overlap(settings.source, settings.report)) {
+    if (Paths::overlap(settings.source, settings.report)) {
         return QStringLiteral("the report is inside SOURCE, where nothing is written");
     }
     if (settings.report == settings.usualReport()) {
         return {}; // in a folder that the run makes
     }
-    if (ArchiveTree::overlap(settings.folder(), settings.report)) {
+    if (Paths::overlap(settings.folder(), settings.report)) {
         return QStringLiteral("the report is among the files that a run keeps for itself: %1")
             .arg(settings.report);
     }
@@ -58,10 +58,10 @@ QString objectionToPage(const ArchiveCommandLine& line)
     }
     const ArchiveSettings& settings = line.settings;
     const QString folder = QFileInfo(line.page).absolutePath();
-    if (ArchiveTree::overlap(settings.source, line.page)) {
+    if (Paths::overlap(settings.source, line.page)) {
         return QStringLiteral("the page is inside SOURCE, where nothing is written");
     }
-    if (line.page == settings.report || ArchiveTree::overlap(settings.folder(), line.page)) {
+    if (line.page == settings.report || Paths::overlap(settings.folder(), line.page)) {
         return QStringLiteral("the page is among the files that a run keeps for itself: %1")
             .arg(line.page);
     }

@@ -2,12 +2,12 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/Utf8Output.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveConversion.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveLock.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveMessages.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePage.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePlaces.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveSurvey.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/StableStorage.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/files/ArchiveLock.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/files/StableStorage.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/page/ArchivePage.h"
 
 #include <QFile>
 #include <QStandardPaths>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveCommandLine.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/RunRecords.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/report/RunRecords.h"
 
 #include <vector>
 

@@ -1,7 +1,8 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveSurvey.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveProgress.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/StopSignals.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/files/Paths.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/processes/StopSignals.h"
 
 #include <QFileInfo>
 
@@ -55,7 +56,7 @@ PlannedDocument ArchiveSurvey::planned(const ArchiveEntry& entry,
                                        const std::optional<FileIdentity>& standing) const
 {
     const QFileInfo target(m_settings.targetOf(entry.path));
-    const bool hasPlace = ArchiveTree::hasPlaceFor(m_settings.target, entry.path) &&
+    const bool hasPlace = Paths::hasPlaceFor(m_settings.target, entry.path) &&
                           target.filePath() != m_settings.report &&
                           target.filePath() != m_commandLine.page;
     const bool isTaken = target.exists() || target.isSymLink();

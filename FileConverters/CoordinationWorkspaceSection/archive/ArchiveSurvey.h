@@ -2,7 +2,7 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveCommandLine.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveTree.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/RunRecords.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/report/RunRecords.h"
 
 #include <optional>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FileConverters/CoordinationWorkspaceSection/archive/DocumentRecord.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/report/DocumentRecord.h"
 
 #include <QString>
 
@@ -38,17 +38,5 @@ std::vector<ArchiveEntry> find(const QString& folder);
  * other runs is left to them.
  */
 void sweep(const QString& folder);
-
-/** The absolute path without links on the way, as far as it exists. */
-QString realPath(const QString& path);
-
-/** Whether the folders are the same, or one stands inside the other. They need not exist. */
-bool overlap(const QString& one, const QString& other);
-
-/**
- * Whether a file can be given that path below the folder: what stands on the way to it are folders,
- * no links, and in its own place stands nothing or, at most, something that is no folder.
- */
-bool hasPlaceFor(const QString& folder, const QString& path);
 
 } // namespace ArchiveTree

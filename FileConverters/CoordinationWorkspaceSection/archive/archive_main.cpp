@@ -4,7 +4,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveMessages.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePlaces.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveRun.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/StopSignals.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/processes/StopSignals.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -3,10 +3,10 @@
 // usage: coordworkspace-archive-worker PLAN OFFSET COUNT
 
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveLock.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveParcels.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePlan.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/DocumentBatch.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/files/ArchiveLock.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/jobs/ArchivePlan.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/machines/ArchiveParcels.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/worker/DocumentBatch.h"
 
 #include <QFile>
 

@@ -1,6 +1,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveTree.h"
 
-#include "FileConverters/CoordinationWorkspaceSection/archive/AtomicFile.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/files/AtomicFile.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -28,12 +28,6 @@ private slots:
     void aFolderThatIsNotThereIsTold();
     void unfinishedFilesAreSwept();
     void foldersOfOtherRunsAreNotSwept();
-    void pathsAreRealAsFarAsTheyExist_data();
-    void pathsAreRealAsFarAsTheyExist();
-    void foldersOverlap_data();
-    void foldersOverlap();
-    void placesOfFiles_data();
-    void placesOfFiles();
 
 private:
     QString path(const QString& name) const { return m_root + '/' + name; }
@@ -263,102 +257,6 @@ void ArchiveTreeTest::foldersOfOtherRunsAreNotSwept()
     QVERIFY(!QFile::exists(path(mine)));
     QVERIFY(QFile::exists(path(others)));
     QVERIFY(!QFile::exists(path(mineToo)));
-}
-
-void ArchiveTreeTest::pathsAreRealAsFarAsTheyExist_data()
-{
-    QTest::addColumn<QString>("given"); // below the folder
-    QTest::addColumn<QString>("real");
-    QTest::newRow("a folder") << "/folder"
-                              << "/folder";
-    QTest::newRow("with a slash") << "/folder/"
-                                  << "/folder";
-    QTest::newRow("with dots") << "/./folder/../folder/."
-                               << "/folder";
-    QTest::newRow("a link") << "/link"
-                            << "/folder";
-    QTest::newRow("beyond a link") << "/link/not/there"
-                                   << "/folder/not/there";
-    QTest::newRow("dots beyond what is there") << "/link/not/../there"
-                                               << "/folder/there";
-    QTest::newRow("up from a link") << "/link/../other"
-                                    << "/other";
-    QTest::newRow("nothing there") << "/none/at/all"
-                                   << "/none/at/all";
-}
-
-void ArchiveTreeTest::pathsAreRealAsFarAsTheyExist()
-{
-    QFETCH(QString, given);
-    QFETCH(QString, real);
-    QVERIFY(QDir().mkpath(path("folder")));
-    QVERIFY(QFile::link("folder", path("link")));
-    QCOMPARE(ArchiveTree::realPath(m_root + given), m_root + real);
-    const QString before = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(m_root));
-    QCOMPARE(ArchiveTree::realPath(given.mid(1)), m_root + real);
-    QVERIFY(QDir::setCurrent(before));
-}
-
-void ArchiveTreeTest::foldersOverlap_data()
-{
-    QTest::addColumn<QString>("one");
-    QTest::addColumn<QString>("other");
-    QTest::addColumn<bool>("overlap");
-    QTest::newRow("the same") << "folder"
-                              << "folder/" << true;
-    QTest::newRow("the same by a link") << "folder"
-                                        << "link" << true;
-    QTest::newRow("one inside") << "folder/in"
-                                << "folder" << true;
-    QTest::newRow("one deep inside, not there yet") << "folder"
-                                                    << "folder/in/a/b" << true;
-    QTest::newRow("one inside by a link") << "link/new"
-                                          << "folder" << true;
-    QTest::newRow("beside") << "folder"
-                            << "other" << false;
-    QTest::newRow("beside with a longer name") << "folder"
-                                               << "folder2" << false;
-    QTest::newRow("beside, neither is there") << "none"
-                                              << "none2" << false;
-}
-
-void ArchiveTreeTest::foldersOverlap()
-{
-    QFETCH(QString, one);
-    QFETCH(QString, other);
-    QVERIFY(QDir().mkpath(path("folder/in")));
-    QVERIFY(QDir().mkpath(path("other")));
-    QVERIFY(QFile::link("folder", path("link")));
-    QTEST(ArchiveTree::overlap(path(one), path(other)), "overlap");
-    QTEST(ArchiveTree::overlap(path(other), path(one)), "overlap");
-}
-
-void ArchiveTreeTest::placesOfFiles_data()
-{
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<bool>("hasPlace");
-    QTest::newRow("in the folder") << "new.xml" << true;
-    QTest::newRow("in a folder to be made") << "new/a/b.xml" << true;
-    QTest::newRow("in a folder that is there") << "folder/in/new.xml" << true;
-    QTest::newRow("in a file's place") << "file.xml" << true;
-    QTest::newRow("in a link's place") << "link" << true;
-    QTest::newRow("in a broken link's place") << "broken" << true;
-    QTest::newRow("in a folder's place") << "folder" << false;
-    QTest::newRow("in a folder's place, deeper") << "folder/in" << false;
-    QTest::newRow("below a file") << "file.xml/a.xml" << false;
-    QTest::newRow("below a link to a folder") << "link/a.xml" << false;
-    QTest::newRow("below a broken link") << "broken/a.xml" << false;
-}
-
-void ArchiveTreeTest::placesOfFiles()
-{
-    QVERIFY(QDir().mkpath(path("folder/in")));
-    write("file.xml");
-    QVERIFY(QFile::link("folder", path("link")));
-    QVERIFY(QFile::link("/no/file", path("broken")));
-    QFETCH(QString, path);
-    QTEST(ArchiveTree::hasPlaceFor(m_root, path), "hasPlace");
 }
 
 QTEST_GUILESS_MAIN(ArchiveTreeTest)

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "FileConverters/CoordinationWorkspaceSection/archive/jobs/ArchiveSettings.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/report/ArchiveReport.h"
+
+/** What runs over an archive have told of its documents, and what of it still stands. */
+class ArchiveHistory
+{
+public:
+    /** @param settings  must outlive this. */
+    explicit ArchiveHistory(const ArchiveSettings& settings) : m_settings(settings) {}
+
+    /**
+     * Reads the report, and what a killed process has written and did not come to report: that is
+     * reported now, unless in a trial. No job may be at work.
+     *
+     * @return false, with errno set, when it could not be reported.
+     */
+    bool read();
+
+    /** What was told of a document last; null when nothing was. */
+    const DocumentRecord* find(const QString& path) const;
+
+    /** What a run has written for a document, when it stands as it was written. */
+    std::optional<FileIdentity> standingTarget(const QString& path) const;
+
+    const ArchiveReport::Records& records() const { return m_records; }
+
+private:
+    std::vector<DocumentRecord> standingUntold() const;
+
+    const ArchiveSettings& m_settings;
+    ArchiveReport::Records m_records;
+};

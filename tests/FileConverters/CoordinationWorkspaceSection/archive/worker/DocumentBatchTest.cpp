@@ -1,0 +1,166 @@
+#include "FileConverters/CoordinationWorkspaceSection/archive/worker/DocumentBatch.h"
+
+#include "FileConverters/CoordinationWorkspaceSection/archive/report/ArchiveReport.h"
+
+#include <QtTest>
+
+#include <sys/stat.h>
+
+/** What came back from other machines; what is converted here is tested on the programs. */
+class DocumentBatchTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void whatIsAsToldIsTakenIn();
+    void whatIsNotAsToldStaysToBeDone_data();
+    void whatIsNotAsToldStaysToBeDone();
+    void aTrialTakesItsWord();
+    void aFileFromAnotherFileSystemIsTakenIn();
+    void whatStandsInItsPlaceByThenIsKept();
+    void aReportThatCannotBeWrittenIsToldWithNothingLost();
+
+private:
+    QString path(const QString& name) const { return m_folder->filePath(name); }
+    static void write(const QString& file, const QByteArray& bytes);
+    static QByteArray read(const QString& file);
+    ReturnedDocument returned() const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    ArchiveSettings m_settings;
+};
+
+void DocumentBatchTest::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_settings = {};
+    m_settings.source = path("source");
+    m_settings.target = path("target");
+    m_settings.report = m_settings.usualReport();
+    QVERIFY(QDir().mkpath(m_settings.folder()));
+    write(path("source/sub/a.xml"), "before");
+    write(path("returned"), "after");
+    QVERIFY(QFile::setPermissions(path("source/sub/a.xml"), QFile::ReadUser | QFile::WriteUser));
+}
+
+void DocumentBatchTest::write(const QString& file, const QByteArray& bytes)
+{
+    QDir().mkpath(QFileInfo(file).path());
+    QFile output(file);
+    QVERIFY(output.open(QIODevice::WriteOnly));
+    output.write(bytes);
+}
+
+QByteArray DocumentBatchTest::read(const QString& file)
+{
+    QFile input(file);
+    return input.open(QIODevice::ReadOnly) ? input.readAll() : QByteArray();
+}
+
+ReturnedDocument DocumentBatchTest::returned() const
+{
+    ReturnedDocument document;
+    document.document = {QStringLiteral("sub/a.xml"), 6, false, false, {}};
+    document.output = path("returned");
+    document.told.path = document.document.path;
+    document.told.outcome = DocumentRecord::CONVERTED;
+    document.told.source = FileIdentity::of(path("source/sub/a.xml"));
+    document.told.target = FileIdentity::of(path("returned"));
+    return document;
+}
+
+void DocumentBatchTest::whatIsAsToldIsTakenIn()
+{
+    const auto records = acceptBatch(m_settings, {returned()});
+    QVERIFY(records);
+    QCOMPARE(records->size(), std::size_t(1));
+    QCOMPARE(read(path("target/sub/a.xml")), QByteArray("after"));
+    QVERIFY(!QFile::exists(path("returned")));
+    struct stat before = {};
+    struct stat after = {};
+    QCOMPARE(stat(qPrintable(path("source/sub/a.xml")), &before), 0);
+    QCOMPARE(stat(qPrintable(path("target/sub/a.xml")), &after), 0);
+    QCOMPARE(after.st_mode, before.st_mode);
+    QCOMPARE(after.st_mtim.tv_nsec, before.st_mtim.tv_nsec);
+    for (const QString& report : {m_settings.report, m_settings.pendingReport()}) {
+        QVERIFY(ArchiveReport::read(report).value("sub/a.xml").tellsTheSameAs(records->front()));
+    }
+}
+
+void DocumentBatchTest::whatIsNotAsToldStaysToBeDone_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("the output has other bytes") << "returned" << QByteArray("afteR");
+    QTest::newRow("the output was cut off") << "returned" << QByteArray("aft");
+    QTest::newRow("the document has changed since") << "source/sub/a.xml" << QByteArray("beforE");
+}
+
+void DocumentBatchTest::whatIsNotAsToldStaysToBeDone()
+{
+    QFETCH(QString, file);
+    QFETCH(QByteArray, bytes);
+    const ReturnedDocument wrong = returned();
+    write(path(file), bytes);
+    ReturnedDocument missing = wrong;
+    missing.output.clear();
+    for (const ReturnedDocument& document : {wrong, missing}) {
+        const auto records = acceptBatch(m_settings, {document});
+        QVERIFY(records);
+        QVERIFY(records->empty());
+        QVERIFY(!QFile::exists(path("target/sub/a.xml")));
+        QVERIFY(!QFile::exists(m_settings.report));
+    }
+    // No unfinished file is left, either.
+    QVERIFY(QDir(path("target/sub")).entryList(QDir::Files | QDir::Hidden).isEmpty());
+}
+
+void DocumentBatchTest::aTrialTakesItsWord()
+{
+    m_settings.staging = path("staging");
+    ReturnedDocument document = returned();
+    document.output.clear();
+    const auto records = acceptBatch(m_settings, {document});
+    QVERIFY(records);
+    QCOMPARE(records->size(), std::size_t(1));
+    QVERIFY(!QFile::exists(path("target/sub")));
+    QVERIFY(!QFile::exists(m_settings.report));
+}
+
+void DocumentBatchTest::aFileFromAnotherFileSystemIsTakenIn()
+{
+    QTemporaryDir other(QStringLiteral("/dev/shm/DocumentBatchTest-XXXXXX"));
+    struct stat here = {};
+    struct stat there = {};
+    if (!other.isValid() || stat(qPrintable(other.path()), &there) != 0 ||
+        stat(qPrintable(m_folder->path()), &here) != 0 || here.st_dev == there.st_dev) {
+        QSKIP("There is no other file system.");
+    }
+    ReturnedDocument document = returned();
+    document.output = other.filePath("returned");
+    write(document.output, "after");
+    const auto records = acceptBatch(m_settings, {document});
+    QVERIFY(records && records->size() == 1);
+    QCOMPARE(read(path("target/sub/a.xml")), QByteArray("after"));
+}
+
+void DocumentBatchTest::whatStandsInItsPlaceByThenIsKept()
+{
+    write(path("target/sub/a.xml"), "mine");
+    const auto records = acceptBatch(m_settings, {returned()});
+    QVERIFY(records && records->size() == 1);
+    QCOMPARE(records->front().outcome, DocumentRecord::REFUSED);
+    QCOMPARE(records->front().reason, QStringLiteral("target-exists"));
+    QCOMPARE(read(path("target/sub/a.xml")), QByteArray("mine"));
+}
+
+void DocumentBatchTest::aReportThatCannotBeWrittenIsToldWithNothingLost()
+{
+    QVERIFY(QDir().mkpath(m_settings.pendingReport()));
+    QVERIFY(!acceptBatch(m_settings, {returned()}));
+    QVERIFY(!QFile::exists(path("target/sub/a.xml")));
+}
+
+QTEST_GUILESS_MAIN(DocumentBatchTest)
+#include "DocumentBatchTest.moc"

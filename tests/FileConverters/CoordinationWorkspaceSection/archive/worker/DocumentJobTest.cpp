@@ -1,0 +1,199 @@
+#include "FileConverters/CoordinationWorkspaceSection/archive/worker/DocumentJob.h"
+
+#include <QtTest>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+Q_DECLARE_METATYPE(DocumentRecord::Outcome)
+
+namespace {
+
+QString testFile(const char* path)
+{
+    return QFINDTESTDATA(path);
+}
+
+// It gathers each of its systems, and its names are known.
+QByteArray sound()
+{
+    QFile file(testFile("../../cases/one_system/input.xml"));
+    if (!file.open(QIODevice::ReadOnly)) {
+        qFatal("the document of the test cannot be read");
+    }
+    return file.readAll();
+}
+
+QByteArray edited(const QByteArray& from, const QByteArray& to)
+{
+    QByteArray document = sound();
+    if (!document.contains(from)) {
+        qFatal("nothing to edit: %s", from.constData());
+    }
+    return document.replace(from, to);
+}
+
+QString write(const QTemporaryDir& folder, const QByteArray& document)
+{
+    QString path = folder.filePath(QStringLiteral("document.xml"));
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(document) != document.size()) {
+        qFatal("the document of the test cannot be written");
+    }
+    return path;
+}
+
+DocumentRecord judged(const QString& path)
+{
+    const auto record = DocumentRecord::fromLine(DocumentJob::answerOfReader(path.toUtf8()));
+    if (!record) {
+        qFatal("the reader answered no record");
+    }
+    return *record;
+}
+
+QByteArray compared(const QString& before, const QString& after)
+{
+    return DocumentJob::answerOfReader(before.toUtf8() + '\0' + after.toUtf8());
+}
+
+} // namespace
+
+class DocumentJobTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void readerJudgesADocument_data();
+    void readerJudgesADocument();
+    void readerTellsOfAPlaceInABrokenDocument();
+    void readerCannotReadWhatIsGone();
+    void lossesOfOneKindAreToldOnce();
+    void readerFindsNothingInARightConversion();
+    void readerTellsTheFirstDifference();
+    void readerCannotCompareWithWhatIsGone();
+};
+
+void DocumentJobTest::readerJudgesADocument_data()
+{
+    QTest::addColumn<QByteArray>("document");
+    QTest::addColumn<DocumentRecord::Outcome>("outcome");
+    QTest::addColumn<QString>("reason");
+    QTest::addColumn<QStringList>("losses");
+
+    const QByteArray version = "version=\"0.2\"";
+    const QByteArray broken = "<coordinated_data_root version=\"0.2\">";
+    QTest::newRow("nothing is lost") << sound() << DocumentRecord::CONVERTED << "" << QStringList();
+    QTest::newRow("current already")
+        << edited(version, "version=\"0.3\"") << DocumentRecord::CURRENT << "" << QStringList();
+    QTest::newRow("a loss") << edited("name=\"robust\"", "name=\"Robust\"") << DocumentRecord::LOSSY
+                            << "" << QStringList("profile-name-emptied");
+    QTest::newRow("older than what is known to convert")
+        << edited(version, "version=\"0.05\"") << DocumentRecord::LOSSY << ""
+        << QStringList("too-old");
+    QTest::newRow("newer than what is known")
+        << edited(version, "version=\"0.4\"") << DocumentRecord::REFUSED << "too-new"
+        << QStringList();
+    QTest::newRow("a profile without a UUID")
+        << edited("profile id=\"11111111-1111-4111-8111-111111111111\"", "profile id=\"7\"")
+        << DocumentRecord::FAILED << "invalid-profile-id" << QStringList();
+    QTest::newRow("a workspace that broke off")
+        << broken << DocumentRecord::FAILED << "not-well-formed" << QStringList();
+    QTest::newRow("something else that is no XML")
+        << QByteArray("<html>\n<p>Hi</html>") << DocumentRecord::REFUSED << "no-workspace"
+        << QStringList();
+    QTest::newRow("another document") << QByteArray("<html><body>Set list</body></html>")
+                                      << DocumentRecord::REFUSED << "no-workspace" << QStringList();
+    QTest::newRow("two sections") << QByteArray(
+                                         "<a><coordinated_data_root/><coordinated_data_root/></a>")
+                                  << DocumentRecord::REFUSED << "several-sections" << QStringList();
+}
+
+void DocumentJobTest::readerJudgesADocument()
+{
+    QFETCH(QByteArray, document);
+    QFETCH(DocumentRecord::Outcome, outcome);
+    QFETCH(QString, reason);
+    QFETCH(QStringList, losses);
+    const QTemporaryDir folder;
+
+    const DocumentRecord record = judged(write(folder, document));
+
+    QCOMPARE(record.outcome, outcome);
+    QCOMPARE(record.reason, reason);
+    QCOMPARE(record.text.isEmpty(), reason.isEmpty());
+    QStringList kinds;
+    for (const LossSummary& loss : record.losses) {
+        kinds.append(loss.kind);
+    }
+    QCOMPARE(kinds, losses);
+}
+
+void DocumentJobTest::readerTellsOfAPlaceInABrokenDocument()
+{
+    const QTemporaryDir folder;
+    const QString path = write(folder, "<coordinated_data_root>\n\n<a></b>");
+    QVERIFY2(judged(path).text.startsWith("line 3: "), qPrintable(judged(path).text));
+}
+
+void DocumentJobTest::readerCannotReadWhatIsGone()
+{
+    const QTemporaryDir folder;
+    const DocumentRecord record = judged(folder.filePath("gone.xml"));
+    QCOMPARE(record.outcome, DocumentRecord::FAILED);
+    QCOMPARE(record.reason, QString("not-readable"));
+}
+
+void DocumentJobTest::lossesOfOneKindAreToldOnce()
+{
+    const QTemporaryDir folder;
+    const QString path = write(folder, edited("<compat_profiles>", "<compat_profiles>\n<x/><x/>"));
+
+    const DocumentRecord record = judged(path);
+
+    QCOMPARE(record.outcome, DocumentRecord::LOSSY);
+    QCOMPARE(record.losses.size(), std::size_t(1));
+    const LossSummary& loss = record.losses.front();
+    QCOMPARE(loss.kind, QString("unread-element"));
+    QCOMPARE(loss.count, 2);
+    QCOMPARE(loss.line, 1 + sound().left(sound().indexOf("<compat_profiles>")).count('\n') + 1);
+    QCOMPARE(loss.path, QString("/coordinated_data_root/compat_profiles/x[1]"));
+    QVERIFY(!loss.text.isEmpty());
+}
+
+void DocumentJobTest::readerFindsNothingInARightConversion()
+{
+    QCOMPARE(compared(testFile("../../cases/one_system/input.xml"),
+                      testFile("../../cases/one_system/output.xml")),
+             QByteArray());
+}
+
+void DocumentJobTest::readerTellsTheFirstDifference()
+{
+    const QTemporaryDir folder;
+    QFile file(testFile("../../cases/one_system/output.xml"));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QByteArray output = file.readAll();
+    const int at = output.indexOf("version=\"0.3\"");
+    QVERIFY(at >= 0);
+    const int line = 1 + output.left(at).count('\n');
+    output.replace(at, 13, "version=\"0.2\"");
+
+    const QByteArray told =
+        compared(testFile("../../cases/one_system/input.xml"), write(folder, output));
+
+    const QByteArray place =
+        "line " + QByteArray::number(line) + ", /coordinated_data_root/@version: ";
+    QVERIFY2(told.startsWith(place) && told.size() > place.size(), told.constData());
+}
+
+void DocumentJobTest::readerCannotCompareWithWhatIsGone()
+{
+    const QTemporaryDir folder;
+    QVERIFY(compared(testFile("../../cases/one_system/input.xml"), folder.filePath("gone.xml"))
+                .startsWith("it cannot be compared"));
+}
+
+QTEST_GUILESS_MAIN(DocumentJobTest)
+
+#include "DocumentJobTest.moc"
