@@ -29,18 +29,16 @@ struct Words
 Words wordsOf(const QString& text)
 {
     Words words;
-    for (int begin = 0, end = 0; begin < text.size(); begin = end + 1) {
-        end = text.indexOf(QLatin1Char(' '), begin);
-        if (end < 0) {
-            end = text.size();
+    for (int begin = 0; begin < text.size();) {
+        const int blank = text.indexOf(QLatin1Char(' '), begin);
+        const int end = blank < 0 ? text.size() : blank;
+        if (begin < end) {
+            ++words.count;
+            if (words.count <= 2) {
+                (words.count == 1 ? words.first : words.second) = text.midRef(begin, end - begin);
+            }
         }
-        if (end == begin) {
-            continue;
-        }
-        ++words.count;
-        if (words.count <= 2) {
-            (words.count == 1 ? words.first : words.second) = text.midRef(begin, end - begin);
-        }
+        begin = end + 1;
     }
     return words;
 }

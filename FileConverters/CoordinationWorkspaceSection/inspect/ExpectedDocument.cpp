@@ -4,6 +4,7 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <algorithm>
 #include <array>
 #include <map>
 #include <string>
@@ -83,10 +84,11 @@ void readKey(const QDomElement& element, Key& key)
     for (const QDomElement& child : childrenOf(element)) {
         const QString name = child.tagName() == QLatin1String("mode") ? QStringLiteral("tx_profile")
                                                                       : child.tagName();
-        for (std::size_t i = 0; i < KEY_FIELDS.size(); ++i) {
-            if (name == QLatin1String(KEY_FIELDS[i])) {
-                key[i] = child.text();
-            }
+        const auto* const field =
+            std::find_if(KEY_FIELDS.begin(), KEY_FIELDS.end(),
+                         [&](const char* known) { return name == QLatin1String(known); });
+        if (field != KEY_FIELDS.end()) {
+            key[static_cast<std::size_t>(field - KEY_FIELDS.begin())] = child.text();
         }
     }
 }

@@ -174,6 +174,7 @@ private slots:
     void documentIsRefusedUnchanged();
     void documentWithABadIdIsUnchanged_data();
     void documentWithABadIdIsUnchanged();
+    void renamedProfileHasItsNameSetAnew();
     void conversionsDoNotInfluenceEachOther();
 };
 
@@ -742,6 +743,40 @@ void CoordWorkSpaceSectionConverter0_3Test::documentWithABadIdIsUnchanged()
     }
     QCOMPARE(message, std::string("invalid uuid string"));
     QCOMPARE(canonical(document), canonical(parsed(text)));
+}
+
+// Of attributes whose names have one hash, the one that was set last is written first.
+void CoordWorkSpaceSectionConverter0_3Test::renamedProfileHasItsNameSetAnew()
+{
+    const auto written = [](const QDomElement& element) {
+        QString text;
+        QTextStream stream(&text);
+        element.save(stream, 0);
+        return text;
+    };
+    int changedOrders = 0;
+    for (int i = 0; i < 500; ++i) {
+        const QString text =
+            oldRoot(QStringLiteral("<elsewhere><compat_profile name='robust' a%1='' id='%2'/>"
+                                   "</elsewhere>")
+                        .arg(QString::number(i), ID_1));
+        QDomDocument converted = parsed(text);
+        QVERIFY(Converter::Convert(converted));
+        QDomDocument document = parsed(text);
+        QDomElement profile =
+            document.elementsByTagName(QStringLiteral("compat_profile")).at(0).toElement();
+        profile.setAttribute(QStringLiteral("name"), QStringLiteral("Robust"));
+        const QString inPlace = written(profile);
+        profile.removeAttribute(QStringLiteral("name"));
+        profile.setAttribute(QStringLiteral("name"), QStringLiteral("Robust"));
+        const QString anew = written(profile);
+        changedOrders += anew == inPlace ? 0 : 1;
+        QCOMPARE(
+            written(
+                converted.elementsByTagName(QStringLiteral("compat_profile")).at(0).toElement()),
+            anew);
+    }
+    QVERIFY(changedOrders > 0);
 }
 
 void CoordWorkSpaceSectionConverter0_3Test::conversionsDoNotInfluenceEachOther()

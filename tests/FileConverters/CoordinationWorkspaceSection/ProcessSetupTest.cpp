@@ -1,9 +1,40 @@
 #include "FileConverters/CoordinationWorkspaceSection/ProcessSetup.h"
 
 #include <QFileInfo>
+#include <QTextCodec>
 #include <QtTest>
 
 #include <array>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+/** While it lives, a standard stream leads to a file. */
+class RedirectedStream
+{
+public:
+    RedirectedStream(int stream, const char* file) : m_stream(stream), m_before(dup(stream))
+    {
+        const int opened = open(file, O_RDWR | O_NOCTTY);
+        dup2(opened, m_stream);
+        close(opened);
+    }
+    ~RedirectedStream()
+    {
+        dup2(m_before, m_stream);
+        close(m_before);
+    }
+    RedirectedStream(const RedirectedStream&) = delete;
+    RedirectedStream& operator=(const RedirectedStream&) = delete;
+
+private:
+    const int m_stream;
+    const int m_before;
+};
+
+} // namespace
 
 class ProcessSetupTest : public QObject
 {
@@ -13,6 +44,9 @@ private slots:
     void argumentsStandBehindTheName_data();
     void argumentsStandBehindTheName();
     void programsAreFoundFromThisOne();
+    void filesAreUtf8WhateverTheLocale();
+    void terminalsAreToldApart_data();
+    void terminalsAreToldApart();
 };
 
 void ProcessSetupTest::argumentsStandBehindTheName_data()
@@ -40,6 +74,48 @@ void ProcessSetupTest::programsAreFoundFromThisOne()
     QCOMPARE(ProcessSetup::fromThisProgram("other"), folder + "/other");
     QCOMPARE(ProcessSetup::fromThisProgram("../lib/./other"),
              QFileInfo(folder).path() + "/lib/other");
+}
+
+void ProcessSetupTest::filesAreUtf8WhateverTheLocale()
+{
+    const QtMessageHandler ofTheTest = qInstallMessageHandler(nullptr);
+    QTextCodec* const ofTheLocale = QTextCodec::codecForLocale();
+    QTextCodec::setCodecForLocale(QTextCodec::codecForName("ISO-8859-1"));
+    ProcessSetup::shutOutTheEnvironment();
+    const QByteArray codec = QTextCodec::codecForLocale()->name();
+    QTextCodec::setCodecForLocale(ofTheLocale);
+    qInstallMessageHandler(ofTheTest);
+    QCOMPARE(codec, QByteArray("UTF-8"));
+}
+
+void ProcessSetupTest::terminalsAreToldApart_data()
+{
+    QTest::addColumn<bool>("isOutput");
+    QTest::addColumn<bool>("isError");
+    QTest::newRow("none") << false << false;
+    QTest::newRow("output") << true << false;
+    QTest::newRow("errors") << false << true;
+    QTest::newRow("both") << true << true;
+}
+
+void ProcessSetupTest::terminalsAreToldApart()
+{
+    QFETCH(bool, isOutput);
+    QFETCH(bool, isError);
+    const int master = posix_openpt(O_RDWR | O_NOCTTY);
+    QVERIFY(master >= 0 && grantpt(master) == 0 && unlockpt(master) == 0);
+    const QByteArray terminal = ptsname(master);
+    bool isOutputTold = false;
+    bool isErrorTold = false;
+    {
+        const RedirectedStream output(STDOUT_FILENO, isOutput ? terminal.constData() : "/dev/null");
+        const RedirectedStream errors(STDERR_FILENO, isError ? terminal.constData() : "/dev/null");
+        isOutputTold = ProcessSetup::isOutputTerminal();
+        isErrorTold = ProcessSetup::isErrorTerminal();
+    }
+    close(master);
+    QCOMPARE(isOutputTold, isOutput);
+    QCOMPARE(isErrorTold, isError);
 }
 
 QTEST_GUILESS_MAIN(ProcessSetupTest)

@@ -209,7 +209,9 @@ void LogServiceImplTest::servicesOwnUserCannotBeSwitched()
     QVERIFY(m_service->getEnabledUserList().isEmpty());
     switchOn(newDevice());
     QVERIFY(!m_service->logString(0, Level::LOG_ERROR, "text"));
-    QVERIFY(!m_service->getLoggerObject("LOGGER").isNull());
+    const auto logger = m_service->getLoggerObject("LOGGER");
+    QVERIFY(!logger.isNull());
+    QCOMPARE(m_service->getLoggerObject("LOGGER"), logger);
 }
 
 void LogServiceImplTest::callersFirstUserHasNumberOne()

@@ -5,6 +5,7 @@
 #include "tests/ZelMain/Diagnostics/RecordingDevice.h"
 #include "tests/support/BlockedFolder.h"
 #include "tests/support/FileSizeLimit.h"
+#include "tests/support/ShiftedClock.h"
 #include "tests/support/WaitingCall.h"
 
 #include <QDir>
@@ -167,6 +168,8 @@ private slots:
     void closeGivesUpOnABlockedOpen();
     void closeGivesUpOnABlockedCleanup();
     void closeWaitsForACleanupThatEnds();
+    void cleanupRemovesWhatIsOlderThanAMonth();
+    void closeLetsGoOfDevices();
     void callThatWaitsIsReleasedWhenCloseGivesUp();
     void userThatWasClosedIsNotSwitched();
     void userOfALaterStartIsSwitchedAsItIs();
@@ -528,6 +531,31 @@ void LogServiceSafetyTest::closeWaitsForACleanupThatEnds()
     folder.release();
     close.end();
     QCOMPARE(folder.threadsAskedToStop(), 0);
+}
+
+void LogServiceSafetyTest::cleanupRemovesWhatIsOlderThanAMonth()
+{
+    const FileOutDevConfig config({});
+    QFile file(config.getFolderName() + '/' + config.getBaseFileName() + ".txt");
+    QVERIFY(QDir().mkpath(config.getFolderName()));
+    QVERIFY(file.open(QIODevice::WriteOnly)); // no file can be made older than it is
+    for (const int days : {20, 40}) {
+        const ShiftedClock clock(days);
+        PatientService service;
+        service.initLogService({});
+        service.closeLogger(); // waits for the cleanup
+        QCOMPARE(file.exists(), days < 28);
+    }
+}
+
+void LogServiceSafetyTest::closeLetsGoOfDevices()
+{
+    PatientService service;
+    service.initLogService({});
+    QWeakPointer<RecordingDevice> device = addUser(service, USER);
+    QVERIFY(!device.isNull());
+    service.closeLogger();
+    QVERIFY(device.isNull());
 }
 
 void LogServiceSafetyTest::callThatWaitsIsReleasedWhenCloseGivesUp()

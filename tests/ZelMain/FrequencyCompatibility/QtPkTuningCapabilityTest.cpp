@@ -452,6 +452,8 @@ void QtPkTuningCapabilityTest::numberIsRead_data()
     addRow("highest", "2147483647", 2147483647);
     addRow("highest and a fraction", "2147483647.9", 2147483647);
     addRow("above the highest", "2147483648", UNFIT);
+    addRow("highest but one", "2147483646", 2147483646);
+    addRow("lowest but one", "-2147483647", -2147483647);
     addRow("lowest", "-2147483648", UNFIT);
     addRow("lowest and a fraction", "-2147483648.9", UNFIT);
     addRow("below the lowest", "-2147483649", UNFIT);

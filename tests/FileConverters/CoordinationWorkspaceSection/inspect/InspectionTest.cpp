@@ -383,6 +383,9 @@ void InspectionTest::everythingThatIsLostIsFound_data()
         {}, {}, Inspection::CONVERT);
     row("two values of a spacing", {{"<ch_ch>350</ch_ch>", "<ch_ch>1</ch_ch><ch_ch>350</ch_ch>"}},
         {"value-replaced 11 " + profile1 + "/spacing/ch_ch[1]"});
+    row("a flag on in two ways",
+        {{"<imd_2t5o>0</imd_2t5o>", "<imd_2t5o>1</imd_2t5o><imd_2t5o>-2</imd_2t5o>"}}, {}, {},
+        Inspection::CONVERT);
     row("a flag off and on",
         {{"<imd_2t5o>0</imd_2t5o>", "<imd_2t5o>1</imd_2t5o><imd_2t5o>0</imd_2t5o>"}},
         {"value-replaced 7 " + config1 + "/compat_flags/imd_2t5o[1]"});

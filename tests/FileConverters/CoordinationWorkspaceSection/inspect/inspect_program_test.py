@@ -237,6 +237,8 @@ class Statuses(Inspect):
             self.assertIn(words.encode(), self.inspect(document).stdout)
         error = self.json_line(self.inspect("--json", input="<a>\n<b>\n</a>"))["error"]
         self.assertEqual((error["kind"], error["line"]), ("not-well-formed", 3))
+        self.assertEqual(self.json_line(self.inspect("--json", input="<a></b>"))["error"]["line"], 1)
+        self.assertIn(b" (line 1).", self.inspect(input="<a></b>").stdout)
 
     def test_a_file_taken_for_utf16_is_told(self):
         path = self.write("narrow.xml", "<\n" + sound()[1:])
@@ -338,6 +340,18 @@ class Verification(Inspect):
                                  [(kind, path, line)])
                 self.assertIn(f"line {line}  {kind}  {path}\n".encode(),
                               self.inspect("--verify", before, wrong).stdout)
+
+    def test_differences_come_by_line(self):
+        before = self.write("before.xml", sound())
+        wrong = self.convert(before).decode()
+        for old, new in (('"0.3"', '"0.2"'), ("00000a<", "00000b<"), ("<imd_2t3o>0<", "<imd_2t3o>5<"),
+                         ("<zone>Z", "<zone>Y"), ("</coord", "<more/></coord")):
+            self.assertIn(old, wrong)
+            wrong = wrong.replace(old, new)
+        run = self.inspect("--json", "--verify", before, self.write("wrong.xml", wrong))
+        lines = [difference["line"] for difference in self.json_line(run)["differences"]]
+        self.assertGreaterEqual(len(set(lines)), 4)
+        self.assertEqual(lines, sorted(lines))
 
     def test_an_unconverted_document_is_no_conversion(self):
         run = self.inspect("--json", "--verify", SAMPLES[0], SAMPLES[0])
