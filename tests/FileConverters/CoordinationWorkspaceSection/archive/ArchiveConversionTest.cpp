@@ -1,9 +1,8 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveConversion.h"
 
 #include "tests/support/CapturedStream.h"
+#include "tests/support/TestFolder.h"
 
-#include <QDir>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <iostream>
@@ -29,14 +28,11 @@ private slots:
     void whatRunsLeaveIsRemoved();
 
 private:
-    QString path(const QString& name) const { return m_folder->filePath(name); }
-    void write(const QString& name, const QByteArray& bytes) const;
-    void writeProgram(const QString& name, const QByteArray& script) const;
-    QByteArray read(const QString& name) const;
+    QString path(const QString& name) const { return m_folder->path(name); }
     static QByteArray convertedLine(const QString& path);
     ArchiveStatus convert(RunRecords& records) const;
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestFolder> m_folder;
     ArchiveCommandLine m_line;
     std::vector<PlannedDocument> m_documents;
     QByteArray m_path;
@@ -44,7 +40,7 @@ private:
 
 void ArchiveConversionTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<TestFolder>();
     m_line = ArchiveCommandLine();
     m_line.jobs = 1;
     m_line.settings.source = path("source");
@@ -52,8 +48,8 @@ void ArchiveConversionTest::init()
     m_line.settings.report = m_line.settings.usualReport();
     QVERIFY(QDir().mkpath(m_line.settings.folder()));
     m_documents = {{"a.xml", 7, false, false, {}}, {"b.xml", 7, false, false, {}}};
-    write("calls", "");
-    write("lines", convertedLine("a.xml") + convertedLine("b.xml"));
+    m_folder->write("calls", "");
+    m_folder->write("lines", convertedLine("a.xml") + convertedLine("b.xml"));
     m_path = qgetenv("PATH");
     qputenv("CONVERSION", QFile::encodeName(m_folder->path()));
 }
@@ -62,27 +58,6 @@ void ArchiveConversionTest::cleanup()
 {
     qputenv("PATH", m_path);
     qunsetenv("CONVERSION");
-}
-
-void ArchiveConversionTest::write(const QString& name, const QByteArray& bytes) const
-{
-    QDir().mkpath(QFileInfo(path(name)).path());
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
-        qFatal("%s cannot be written", qPrintable(name));
-    }
-}
-
-void ArchiveConversionTest::writeProgram(const QString& name, const QByteArray& script) const
-{
-    write(name, "#!/bin/sh\n" + script + '\n');
-    QFile::setPermissions(path(name), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-}
-
-QByteArray ArchiveConversionTest::read(const QString& name) const
-{
-    QFile file(path(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("nothing");
 }
 
 QByteArray ArchiveConversionTest::convertedLine(const QString& path)
@@ -101,7 +76,7 @@ ArchiveStatus ArchiveConversionTest::convert(RunRecords& records) const
 
 void ArchiveConversionTest::whatWorkersTellIsTaken()
 {
-    writeProgram("worker", R"(echo "$3" >>"$CONVERSION/calls"; cat "$CONVERSION/lines")");
+    m_folder->writeProgram("worker", R"(echo "$3" >>"$CONVERSION/calls"; cat "$CONVERSION/lines")");
     const ArchiveHistory before(m_line.settings);
     RunRecords records(before, false);
     QCOMPARE(convert(records), ARCHIVE_DONE);
@@ -126,12 +101,12 @@ void ArchiveConversionTest::whatBreaksOffIsTriedAgainAlone()
     for (int i = 0; i < 200; ++i) {
         m_documents.push_back({QString("c%1.xml").arg(i), 7, false, false, {}});
     }
-    writeProgram("worker", R"(echo "$3" >>"$CONVERSION/calls"; exit 1)");
+    m_folder->writeProgram("worker", R"(echo "$3" >>"$CONVERSION/calls"; exit 1)");
     const ArchiveHistory before(m_line.settings);
     RunRecords records(before, false);
     QCOMPARE(convert(records), ARCHIVE_DONE);
     QVERIFY(records.all().isEmpty());
-    QList<QByteArray> calls = read("calls").trimmed().split('\n');
+    QList<QByteArray> calls = m_folder->read("calls").trimmed().split('\n');
     const int inJobs = calls.size() - static_cast<int>(m_documents.size());
     QVERIFY2(inJobs > 0 && inJobs < 200, calls.join(' ').constData());
     QCOMPARE(calls.mid(inJobs).count("1"), static_cast<int>(m_documents.size()));
@@ -143,10 +118,10 @@ void ArchiveConversionTest::whatStandsUntoldIsTakenAsPending()
     DocumentRecord standing;
     standing.path = "a.xml";
     standing.outcome = DocumentRecord::CONVERTED;
-    write("target/a.xml", "<after/>");
+    m_folder->write("target/a.xml", "<after/>");
     standing.target = FileIdentity::of(path("target/a.xml"));
     QVERIFY(ArchiveReport::append(m_line.settings.pendingReport(), {standing}));
-    writeProgram("worker", R"(echo "$3" >>"$CONVERSION/calls"; exit 1)");
+    m_folder->writeProgram("worker", R"(echo "$3" >>"$CONVERSION/calls"; exit 1)");
     const ArchiveHistory before(m_line.settings);
     RunRecords records(before, false);
     QCOMPARE(convert(records), ARCHIVE_DONE);
@@ -156,7 +131,7 @@ void ArchiveConversionTest::whatStandsUntoldIsTakenAsPending()
 
 void ArchiveConversionTest::aProblemEndsTheRun()
 {
-    writeProgram("worker", "echo 'problem: the report cannot be written: gone'; exit 1");
+    m_folder->writeProgram("worker", "echo 'problem: the report cannot be written: gone'; exit 1");
     const ArchiveHistory before(m_line.settings);
     RunRecords records(before, false);
     const CapturedStream errors(std::cerr);
@@ -187,7 +162,7 @@ void ArchiveConversionTest::anotherParallelIsToldApart()
 {
     QFETCH(QByteArray, script);
     QFETCH(int, status);
-    writeProgram("parallel", script);
+    m_folder->writeProgram("parallel", script);
     qputenv("PATH", QFile::encodeName(m_folder->path()) + ':' + m_path);
     const ArchiveHistory before(m_line.settings);
     RunRecords records(before, false);
@@ -211,23 +186,23 @@ void ArchiveConversionTest::jobsAreAsManyAsAskedFor()
     QFETCH(int, asked);
     QFETCH(int, jobs);
     m_line.jobs = asked;
-    writeProgram("parallel", "printf '%s\\n' \"$@\" >\"$CONVERSION/arguments\"\n"
-                             "cat \"$CONVERSION/lines\"");
+    m_folder->writeProgram("parallel", "printf '%s\\n' \"$@\" >\"$CONVERSION/arguments\"\n"
+                                       "cat \"$CONVERSION/lines\"");
     qputenv("PATH", QFile::encodeName(m_folder->path()) + ':' + m_path);
     const ArchiveHistory before(m_line.settings);
     RunRecords records(before, false);
     QCOMPARE(convert(records), ARCHIVE_DONE);
-    const QList<QByteArray> arguments = read("arguments").split('\n');
+    const QList<QByteArray> arguments = m_folder->read("arguments").split('\n');
     QCOMPARE(arguments.value(arguments.indexOf("--jobs") + 1), QByteArray::number(jobs));
 }
 
 void ArchiveConversionTest::whatRunsLeaveIsRemoved()
 {
     const QString folder = m_line.settings.folder();
-    write("target/.coordworkspace/plan-1", "a plan");
-    write("target/.coordworkspace/parcels-1/1/plan", "a plan");
-    write("target/.coordworkspace/parallel/tmp/a", "of Parallel's");
-    write("target/.coordworkspace/report.jsonl", convertedLine("a.xml"));
+    m_folder->write("target/.coordworkspace/plan-1", "a plan");
+    m_folder->write("target/.coordworkspace/parcels-1/1/plan", "a plan");
+    m_folder->write("target/.coordworkspace/parallel/tmp/a", "of Parallel's");
+    m_folder->write("target/.coordworkspace/report.jsonl", convertedLine("a.xml"));
     ArchiveConversion::removeRemains(folder);
     QCOMPARE(QDir(folder).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
              QStringList({"report.jsonl"}));

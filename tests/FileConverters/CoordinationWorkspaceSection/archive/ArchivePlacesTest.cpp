@@ -1,7 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePlaces.h"
 
-#include <QDir>
-#include <QTemporaryDir>
+#include "tests/support/TestFolder.h"
+
 #include <QtTest>
 
 #include <cerrno>
@@ -24,27 +24,21 @@ private slots:
     void whatHasNoFolderYetMayBeWritten();
 
 private:
-    QString path(const QString& name) const { return m_root + '/' + name; }
+    QString path(const QString& name) const { return m_folder->path(name); }
     ArchiveCommandLine lineFor(const QString& source, const QString& target) const;
 
-    std::unique_ptr<QTemporaryDir> m_folder;
-    QString m_root;
+    std::unique_ptr<TestFolder> m_folder;
 };
 
 // An archive, a target of earlier runs, and what else there may be.
 void ArchivePlacesTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_root = QFileInfo(m_folder->path()).canonicalFilePath();
-    for (const char* folder : {"source/sub", "target/.coordworkspace", "other"}) {
-        QVERIFY(QDir().mkpath(path(folder)));
-    }
-    for (const char* name : {"file", "source/report", "other/empty"}) {
-        QVERIFY(QFile(path(name)).open(QIODevice::WriteOnly));
-    }
-    QFile text(path("file"));
-    QVERIFY(text.open(QIODevice::WriteOnly));
-    text.write("something else\n");
+    m_folder = std::make_unique<TestFolder>();
+    QVERIFY(QDir().mkpath(path("source/sub")));
+    QVERIFY(QDir().mkpath(path("target/.coordworkspace")));
+    m_folder->write("file", "something else\n");
+    m_folder->write("source/report", "");
+    m_folder->write("other/empty", "");
 }
 
 ArchiveCommandLine ArchivePlacesTest::lineFor(const QString& source, const QString& target) const
@@ -183,7 +177,7 @@ void ArchivePlacesTest::nothingIsWritten()
     line.settings.report = path("other/report.jsonl");
     line.page = path("other/page.html");
     QCOMPARE(ArchivePlaces::objection(line), QString());
-    QCOMPARE(QDir(m_root).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
              QStringList({"file", "other", "source", "target"}));
     QCOMPARE(QDir(path("other")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
              QStringList({"empty"}));

@@ -1,7 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveSurvey.h"
 
-#include <QDir>
-#include <QTemporaryDir>
+#include "tests/support/TestFolder.h"
+
 #include <QtTest>
 
 #include <functional>
@@ -28,41 +28,31 @@ private slots:
     void whatIsGoneIsTold();
 
 private:
-    QString path(const QString& name) const { return m_folder->filePath(name); }
-    void write(const QString& name, const QByteArray& bytes) const;
+    QString path(const QString& name) const { return m_folder->path(name); }
     /** a.xml as a run before has converted it. */
     DocumentRecord converted() const;
     void report(const DocumentRecord& record) const;
     /** Looks, after what has been reported. */
     void look(ArchiveSurvey& survey, RunRecords& records, ArchiveHistory& before) const;
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestFolder> m_folder;
     ArchiveCommandLine m_line;
 };
 
 void ArchiveSurveyTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<TestFolder>();
     m_line = ArchiveCommandLine();
     m_line.settings.source = path("source");
     m_line.settings.target = path("target");
     m_line.settings.report = m_line.settings.usualReport();
     QVERIFY(QDir().mkpath(m_line.settings.folder()));
-    write("source/a.xml", "<before/>");
-}
-
-void ArchiveSurveyTest::write(const QString& name, const QByteArray& bytes) const
-{
-    QDir().mkpath(QFileInfo(path(name)).path());
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
-        qFatal("%s cannot be written", qPrintable(name));
-    }
+    m_folder->write("source/a.xml", "<before/>");
 }
 
 DocumentRecord ArchiveSurveyTest::converted() const
 {
-    write("target/a.xml", "<after/>");
+    m_folder->write("target/a.xml", "<after/>");
     DocumentRecord record;
     record.path = "a.xml";
     record.outcome = DocumentRecord::CONVERTED;
@@ -88,8 +78,8 @@ void ArchiveSurveyTest::look(ArchiveSurvey& survey, RunRecords& records,
 
 void ArchiveSurveyTest::whatIsToBeDoneIsTold()
 {
-    write("source/sub/b.xml", "<bb/>");
-    write("source/sub/c.txt", "text");
+    m_folder->write("source/sub/b.xml", "<bb/>");
+    m_folder->write("source/sub/c.txt", "text");
     ArchiveHistory before(m_line.settings);
     RunRecords records(before, false);
     ArchiveSurvey survey(m_line, before);
@@ -177,7 +167,7 @@ void ArchiveSurveyTest::whatHasChangedIsDoneAgain()
     const std::optional<FileIdentity> standing = record.target;
     change(m_line, record);
     report(record);
-    write(file, bytes);
+    m_folder->write(file, bytes);
     ArchiveHistory before(m_line.settings);
     RunRecords records(before, false);
     ArchiveSurvey survey(m_line, before);
@@ -212,7 +202,7 @@ void ArchiveSurveyTest::whatStandsInTheWayIsKept()
     } else if (name == "page") {
         m_line.page = path("target/a.xml");
     } else {
-        write(name, "mine");
+        m_folder->write(name, "mine");
     }
     for (const bool forces : {false, true}) {
         m_line.forces = forces;
@@ -230,7 +220,7 @@ void ArchiveSurveyTest::whatIsLeftAloneKeepsItsEarlierTarget()
 {
     const DocumentRecord record = converted();
     report(record);
-    write("source/a.xml", "no XML any more");
+    m_folder->write("source/a.xml", "no XML any more");
     ArchiveHistory before(m_line.settings);
     RunRecords records(before, false);
     ArchiveSurvey survey(m_line, before);

@@ -2,8 +2,8 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/files/AtomicFile.h"
 
-#include <QDir>
-#include <QTemporaryDir>
+#include "tests/support/TestFolder.h"
+
 #include <QtTest>
 
 #include <sys/stat.h>
@@ -30,29 +30,23 @@ private slots:
     void foldersOfOtherRunsAreNotSwept();
 
 private:
-    QString path(const QString& name) const { return m_root + '/' + name; }
-    void write(const QString& name, const QByteArray& bytes = "<a/>") const;
+    QString path(const QString& name) const { return m_folder->path(name); }
+    void write(const QString& name, const QByteArray& bytes = "<a/>") const
+    {
+        m_folder->write(name, bytes);
+    }
     /** The name of a file that was never finished. */
     QString unfinished(const QString& folder) const;
     std::vector<ArchiveEntry> found() const { return ArchiveTree::find(m_root); }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestFolder> m_folder;
     QString m_root;
 };
 
 void ArchiveTreeTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_root = QFileInfo(m_folder->path()).canonicalFilePath();
-}
-
-void ArchiveTreeTest::write(const QString& name, const QByteArray& bytes) const
-{
-    QDir().mkpath(QFileInfo(path(name)).path());
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
-        qFatal("%s cannot be written", qPrintable(name));
-    }
+    m_folder = std::make_unique<TestFolder>();
+    m_root = m_folder->path();
 }
 
 QString ArchiveTreeTest::unfinished(const QString& folder) const

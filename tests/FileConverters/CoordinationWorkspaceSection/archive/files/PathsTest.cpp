@@ -1,7 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/files/Paths.h"
 
-#include <QDir>
-#include <QTemporaryDir>
+#include "tests/support/TestFolder.h"
+
 #include <QtTest>
 
 class PathsTest : public QObject
@@ -21,16 +21,16 @@ private slots:
     void placesOfFiles();
 
 private:
-    QString path(const QString& name) const { return m_root + '/' + name; }
+    QString path(const QString& name) const { return m_folder->path(name); }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestFolder> m_folder;
     QString m_root;
 };
 
 void PathsTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_root = QFileInfo(m_folder->path()).canonicalFilePath();
+    m_folder = std::make_unique<TestFolder>();
+    m_root = m_folder->path();
 }
 
 void PathsTest::differentNamesLookDifferent_data()
@@ -147,7 +147,7 @@ void PathsTest::placesOfFiles_data()
 void PathsTest::placesOfFiles()
 {
     QVERIFY(QDir().mkpath(path("folder/in")));
-    QVERIFY(QFile(m_root + "/file.xml").open(QIODevice::WriteOnly));
+    m_folder->write("file.xml", "<a/>");
     QVERIFY(QFile::link("folder", path("link")));
     QVERIFY(QFile::link("/no/file", path("broken")));
     QFETCH(QString, path);

@@ -1,6 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/jobs/ParallelProcess.h"
 
-#include <QDir>
+#include "tests/support/TestFolder.h"
+
 #include <QtTest>
 
 #include <csignal>
@@ -40,17 +41,17 @@ private slots:
     void childEndsWithItsParentFromTheBeginning();
 
 private:
-    bool standIn(const QByteArray& script) const;
-    QByteArray recorded(const char* what) const;
+    void standIn(const QByteArray& script) const { m_folder->writeProgram("parallel", script); }
+    QByteArray recorded(const char* what) const { return m_folder->read(what); }
     QList<QByteArray> linesOf(const char* what) const { return recorded(what).split('\n'); }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestFolder> m_folder;
     QByteArray m_path;
 };
 
 void ParallelProcessTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<TestFolder>();
     m_path = qgetenv("PATH");
     qputenv("PATH", m_folder->path().toLocal8Bit() + ':' + m_path);
     qputenv("RECORDS", m_folder->path().toLocal8Bit());
@@ -61,22 +62,9 @@ void ParallelProcessTest::cleanup()
     qputenv("PATH", m_path);
 }
 
-bool ParallelProcessTest::standIn(const QByteArray& script) const
-{
-    QFile program(m_folder->filePath("parallel"));
-    return program.open(QIODevice::WriteOnly) && program.write("#!/bin/sh\n" + script) > 0 &&
-           program.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-}
-
-QByteArray ParallelProcessTest::recorded(const char* what) const
-{
-    QFile file(m_folder->filePath(what));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("nothing");
-}
-
 void ParallelProcessTest::jobsOfAPlanAreHandedOut()
 {
-    QVERIFY(standIn(RECORDS_ALL));
+    standIn(RECORDS_ALL);
     ParallelProcess parallel("/the worker", m_folder->path());
     QVERIFY(parallel.startJobs("/the plan", JOBS, 2));
     QVERIFY(parallel.waitForFinished(-1));
@@ -101,7 +89,7 @@ void ParallelProcessTest::parcelsAreHandedOut_data()
 void ParallelProcessTest::parcelsAreHandedOut()
 {
     QFETCH(int, atTheSameTime);
-    QVERIFY(standIn(RECORDS_ALL));
+    standIn(RECORDS_ALL);
     ParallelProcess parallel("/the worker", m_folder->path());
     QVERIFY(parallel.startParcels(m_folder->path(), JOBS,
                                   {"/the machines", atTheSameTime, "/the-log", 77}));
@@ -122,7 +110,7 @@ void ParallelProcessTest::parcelsAreHandedOut()
 
 void ParallelProcessTest::configurationOfTheUserHasNoSay()
 {
-    QVERIFY(standIn(RECORDS_ALL));
+    standIn(RECORDS_ALL);
     qputenv("PARALLEL", "--jobs 99");
     qputenv("PARALLEL_SHELL", "/bin/false");
     qputenv("PARALLEL_HOME", "/elsewhere");
@@ -160,13 +148,13 @@ void ParallelProcessTest::onlyGnuParallelIsIt_data()
 void ParallelProcessTest::onlyGnuParallelIsIt()
 {
     QFETCH(QByteArray, script);
-    QVERIFY(standIn(script));
+    standIn(script);
     QTEST(ParallelProcess::isGnu(), "isGnu");
 }
 
 void ParallelProcessTest::parallelThatDoesNotEndIsKilled()
 {
-    QVERIFY(standIn("trap '' TERM\necho ready\nexec sleep 600"));
+    standIn("trap '' TERM\necho ready\nexec sleep 600");
     ParallelProcess parallel("/the worker", m_folder->path());
     QVERIFY(parallel.startJobs("/the plan", JOBS, 2));
     QVERIFY(parallel.waitForReadyRead(-1));
@@ -177,7 +165,7 @@ void ParallelProcessTest::parallelThatDoesNotEndIsKilled()
 // A parent that is killed before its child has become Parallel leaves nothing behind.
 void ParallelProcessTest::childEndsWithItsParentFromTheBeginning()
 {
-    QVERIFY(standIn(RECORDS_ALL));
+    standIn(RECORDS_ALL);
     ParallelProcess parallel("/the worker", m_folder->path());
     QVERIFY(parallel.startJobs("/the plan", JOBS, 2));
     QVERIFY(parallel.waitForFinished(-1));

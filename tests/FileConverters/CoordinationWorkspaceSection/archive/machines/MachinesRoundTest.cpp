@@ -1,9 +1,8 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/machines/MachinesRound.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/report/ArchiveReport.h"
+#include "tests/support/TestFolder.h"
 
-#include <QDir>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <cerrno>
@@ -41,9 +40,7 @@ private slots:
     void jobsAtWorkEndWithTheRound();
 
 private:
-    QString path(const QString& name) const { return m_folder->filePath(name); }
-    void write(const QString& name, const QByteArray& bytes) const;
-    QByteArray read(const QString& name) const;
+    QString path(const QString& name) const { return m_folder->path(name); }
     /** What a machine tells of a document that it has converted to AFTER. */
     DocumentRecord converted(const QString& document) const;
     /** Lets the machines do what the script says, and print the lines. */
@@ -55,7 +52,7 @@ private:
     /** All that a whole round takes in. */
     static std::vector<DocumentRecord> takenIn(MachinesRound& round);
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestFolder> m_folder;
     ArchiveSettings m_settings;
     std::vector<PlannedDocument> m_documents;
     QByteArray m_path;
@@ -63,7 +60,7 @@ private:
 
 void MachinesRoundTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<TestFolder>();
     m_settings = {};
     m_settings.source = path("source");
     m_settings.target = path("target");
@@ -71,16 +68,13 @@ void MachinesRoundTest::init()
     QVERIFY(QDir().mkpath(m_settings.folder()));
     m_documents = {{"a.xml", 7, false, false, {}}, {"sub/b c.xml", 7, false, false, {}}};
     for (const PlannedDocument& document : m_documents) {
-        write("source/" + document.path, "before\n");
+        m_folder->write("source/" + document.path, "before\n");
     }
-    write("machines", "stage\n");
-    write("bin/parallel", "#!/bin/sh\n"
-                          "cat >\"$ROUND/input\"\n"
-                          "printf '%s\\n' \"$@\" >\"$ROUND/arguments\"\n"
-                          ". \"$ROUND/script\"\n"
-                          "cat \"$ROUND/lines\"\n");
-    QVERIFY(QFile::setPermissions(path("bin/parallel"),
-                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    m_folder->write("machines", "stage\n");
+    m_folder->writeProgram("bin/parallel", R"(cat >"$ROUND/input"
+printf '%s\n' "$@" >"$ROUND/arguments"
+. "$ROUND/script"
+cat "$ROUND/lines")");
     m_path = qgetenv("PATH");
     qputenv("PATH", QFile::encodeName(path("bin")) + ':' + m_path);
     qputenv("ROUND", QFile::encodeName(m_folder->path()));
@@ -92,24 +86,9 @@ void MachinesRoundTest::cleanup()
     qunsetenv("ROUND");
 }
 
-void MachinesRoundTest::write(const QString& name, const QByteArray& bytes) const
-{
-    QDir().mkpath(QFileInfo(path(name)).path());
-    QFile file(path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
-        qFatal("%s cannot be written", qPrintable(name));
-    }
-}
-
-QByteArray MachinesRoundTest::read(const QString& name) const
-{
-    QFile file(path(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("nothing");
-}
-
 DocumentRecord MachinesRoundTest::converted(const QString& document) const
 {
-    write("after", AFTER);
+    m_folder->write("after", AFTER);
     DocumentRecord record;
     record.path = document;
     record.outcome = DocumentRecord::CONVERTED;
@@ -120,8 +99,8 @@ DocumentRecord MachinesRoundTest::converted(const QString& document) const
 
 void MachinesRoundTest::machinesDo(const QByteArray& script, const QByteArray& lines) const
 {
-    write("script", script + '\n');
-    write("lines", lines);
+    m_folder->write("script", script + '\n');
+    m_folder->write("lines", lines);
 }
 
 QByteArray MachinesRoundTest::tagged(const DocumentRecord& record, int parcel)
@@ -160,8 +139,8 @@ void MachinesRoundTest::whatComesBackIsTakenIn()
     QVERIFY(begin(round));
     const std::vector<DocumentRecord> records = takenIn(round);
     QCOMPARE(records.size(), std::size_t(2));
-    QCOMPARE(read("target/a.xml"), AFTER);
-    QCOMPARE(read("target/sub/b c.xml"), AFTER);
+    QCOMPARE(m_folder->read("target/a.xml"), AFTER);
+    QCOMPARE(m_folder->read("target/sub/b c.xml"), AFTER);
     const ArchiveReport::Records reported = ArchiveReport::read(m_settings.report);
     for (const DocumentRecord& record : records) {
         QVERIFY(record.tellsTheSameAs(converted(record.path)));
@@ -229,7 +208,7 @@ void MachinesRoundTest::whatIsToldAgainCountsOnce()
     QVERIFY(begin(round));
     const std::vector<DocumentRecord> records = takenIn(round);
     QCOMPARE(records.size(), std::size_t(1));
-    QCOMPARE(read("target/.coordworkspace/report.jsonl").count('\n'), 1);
+    QCOMPARE(m_folder->read("target/.coordworkspace/report.jsonl").count('\n'), 1);
 }
 
 void MachinesRoundTest::whatTheMachinesComplainOfIsToldOnce()
@@ -296,14 +275,14 @@ void MachinesRoundTest::aJobHasTimeForItsDocuments()
     MachinesRound round(m_settings, "/the worker", path("round"));
     QVERIFY(begin(round));
     takenIn(round);
-    const QList<QByteArray> arguments = read("arguments").split('\n');
+    const QList<QByteArray> arguments = m_folder->read("arguments").split('\n');
     QTEST(arguments.value(arguments.indexOf("--timeout") + 1), "seconds");
 }
 
 void MachinesRoundTest::whatCannotBePackedIsNotStarted()
 {
     machinesDo(":");
-    write("round", "a file in the folder's place");
+    m_folder->write("round", "a file in the folder's place");
     MachinesRound round(m_settings, "/the worker", path("round"));
     errno = 0;
     QVERIFY(!begin(round));
@@ -323,7 +302,7 @@ void MachinesRoundTest::jobsAtWorkEndWithTheRound()
         }
         QVERIFY(!round.isOver());
     }
-    QVERIFY(!QFile::exists("/proc/" + read("process").trimmed()));
+    QVERIFY(!QFile::exists("/proc/" + m_folder->read("process").trimmed()));
     QVERIFY(!QFile::exists(path("round")));
 }
 

@@ -1,8 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/worker/ConverterProcess.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
+#include "tests/support/TestFolder.h"
+
 #include <QtTest>
 
 #include <cerrno>
@@ -34,37 +33,24 @@ private slots:
     void noProcessIsLeftAndNoFileOpen();
 
 private:
-    QString path(const char* name) const { return m_folder->filePath(name); }
-    QByteArray output() const;
+    QString path(const QString& name) const { return m_folder->path(name); }
+    QByteArray output() const { return m_folder->read("output"); }
     ConverterProcess::Outcome run(const QByteArray& script, const ProcessLimits& limits = {}) const;
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestFolder> m_folder;
 };
 
 void ConverterProcessTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    QFile output(path("output"));
-    QVERIFY(output.open(QIODevice::WriteOnly));
-    output.write("what stood here before");
-}
-
-QByteArray ConverterProcessTest::output() const
-{
-    QFile file(path("output"));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("nothing");
+    m_folder = std::make_unique<TestFolder>();
+    m_folder->write("output", "what stood here before");
 }
 
 ConverterProcess::Outcome ConverterProcessTest::run(const QByteArray& script,
                                                     const ProcessLimits& limits) const
 {
-    QFile program(path("converter"));
-    if (!program.open(QIODevice::WriteOnly) || program.write("#!/bin/sh\n" + script) <= 0 ||
-        !program.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner)) {
-        qFatal("the program of the test cannot be written");
-    }
-    program.close();
-    return ConverterProcess::convert(program.fileName(), "/the document", path("output"), limits);
+    m_folder->writeProgram("converter", script);
+    return ConverterProcess::convert(path("converter"), "/the document", path("output"), limits);
 }
 
 void ConverterProcessTest::outcomeFollowsFromHowItEnds_data()
@@ -158,7 +144,7 @@ void ConverterProcessTest::whatIsMissingIsNotStarted()
 {
     QFETCH(QString, program);
     QFETCH(QString, output);
-    QCOMPARE(ConverterProcess::convert(program, "/the document", m_folder->filePath(output), {}),
+    QCOMPARE(ConverterProcess::convert(program, "/the document", path(output), {}),
              ConverterProcess::NOT_STARTED);
 }
 

@@ -1,6 +1,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/worker/DocumentBatch.h"
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/report/ArchiveReport.h"
+#include "tests/support/TestFolder.h"
 
 #include <QtTest>
 
@@ -22,40 +23,24 @@ private slots:
     void aReportThatCannotBeWrittenIsToldWithNothingLost();
 
 private:
-    QString path(const QString& name) const { return m_folder->filePath(name); }
-    static void write(const QString& file, const QByteArray& bytes);
-    static QByteArray read(const QString& file);
+    QString path(const QString& name) const { return m_folder->path(name); }
     ReturnedDocument returned() const;
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestFolder> m_folder;
     ArchiveSettings m_settings;
 };
 
 void DocumentBatchTest::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
+    m_folder = std::make_unique<TestFolder>();
     m_settings = {};
     m_settings.source = path("source");
     m_settings.target = path("target");
     m_settings.report = m_settings.usualReport();
     QVERIFY(QDir().mkpath(m_settings.folder()));
-    write(path("source/sub/a.xml"), "before");
-    write(path("returned"), "after");
+    m_folder->write("source/sub/a.xml", "before");
+    m_folder->write("returned", "after");
     QVERIFY(QFile::setPermissions(path("source/sub/a.xml"), QFile::ReadUser | QFile::WriteUser));
-}
-
-void DocumentBatchTest::write(const QString& file, const QByteArray& bytes)
-{
-    QDir().mkpath(QFileInfo(file).path());
-    QFile output(file);
-    QVERIFY(output.open(QIODevice::WriteOnly));
-    output.write(bytes);
-}
-
-QByteArray DocumentBatchTest::read(const QString& file)
-{
-    QFile input(file);
-    return input.open(QIODevice::ReadOnly) ? input.readAll() : QByteArray();
 }
 
 ReturnedDocument DocumentBatchTest::returned() const
@@ -75,7 +60,7 @@ void DocumentBatchTest::whatIsAsToldIsTakenIn()
     const auto records = acceptBatch(m_settings, {returned()});
     QVERIFY(records);
     QCOMPARE(records->size(), std::size_t(1));
-    QCOMPARE(read(path("target/sub/a.xml")), QByteArray("after"));
+    QCOMPARE(m_folder->read("target/sub/a.xml"), QByteArray("after"));
     QVERIFY(!QFile::exists(path("returned")));
     struct stat before = {};
     struct stat after = {};
@@ -102,7 +87,7 @@ void DocumentBatchTest::whatIsNotAsToldStaysToBeDone()
     QFETCH(QString, file);
     QFETCH(QByteArray, bytes);
     const ReturnedDocument wrong = returned();
-    write(path(file), bytes);
+    m_folder->write(file, bytes);
     ReturnedDocument missing = wrong;
     missing.output.clear();
     for (const ReturnedDocument& document : {wrong, missing}) {
@@ -139,20 +124,20 @@ void DocumentBatchTest::aFileFromAnotherFileSystemIsTakenIn()
     }
     ReturnedDocument document = returned();
     document.output = other.filePath("returned");
-    write(document.output, "after");
+    QVERIFY(QFile::copy(path("returned"), document.output));
     const auto records = acceptBatch(m_settings, {document});
     QVERIFY(records && records->size() == 1);
-    QCOMPARE(read(path("target/sub/a.xml")), QByteArray("after"));
+    QCOMPARE(m_folder->read("target/sub/a.xml"), QByteArray("after"));
 }
 
 void DocumentBatchTest::whatStandsInItsPlaceByThenIsKept()
 {
-    write(path("target/sub/a.xml"), "mine");
+    m_folder->write("target/sub/a.xml", "mine");
     const auto records = acceptBatch(m_settings, {returned()});
     QVERIFY(records && records->size() == 1);
     QCOMPARE(records->front().outcome, DocumentRecord::REFUSED);
     QCOMPARE(records->front().reason, QStringLiteral("target-exists"));
-    QCOMPARE(read(path("target/sub/a.xml")), QByteArray("mine"));
+    QCOMPARE(m_folder->read("target/sub/a.xml"), QByteArray("mine"));
 }
 
 void DocumentBatchTest::aReportThatCannotBeWrittenIsToldWithNothingLost()
