@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <csignal>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 class StableStorageTest : public QObject
@@ -23,6 +24,7 @@ private slots:
     void writeThatNobodyReadsFails();
     void foldersAreMadeWithThoseAbove();
     void folderIsNotMadeInTheWayOfAFile();
+    void firstFolderThatFailsTellsTheReason();
     void foldersAreSyncedUpToTheTop();
     void whatIsNotThereIsNotSynced();
 };
@@ -97,6 +99,16 @@ void StableStorageTest::folderIsNotMadeInTheWayOfAFile()
     QVERIFY(file.open(QIODevice::WriteOnly));
     QVERIFY(!StableStorage::makeFolders(folder.filePath("file/a")));
     QCOMPARE(errno, ENOTDIR);
+}
+
+void StableStorageTest::firstFolderThatFailsTellsTheReason()
+{
+    // Nobody may make a folder in what the kernel tells of its devices.
+    QCOMPARE(mkdir("/sys/StableStorageTest", 0700), -1);
+    const int reason = errno;
+    QVERIFY(reason != ENOENT);
+    QVERIFY(!StableStorage::makeFolders("/sys/StableStorageTest/a/b"));
+    QCOMPARE(errno, reason);
 }
 
 void StableStorageTest::foldersAreSyncedUpToTheTop()
