@@ -15,7 +15,7 @@ class ParallelProcess;
 /**
  * Has the documents of a run converted: on other machines, where there are any, and then here.
  *
- * What breaks off is tried again in smaller jobs, at last each document in one of its own.
+ * What broke off with a job is tried again at the end, each document in a job of its own.
  */
 class ArchiveConversion
 {
