@@ -92,12 +92,15 @@ ArchiveSchedule::parcelsOf(const std::vector<PlannedDocument>& documents, int ma
 qint64 ArchiveSchedule::availableMemory()
 {
     QFile file(QStringLiteral("/proc/meminfo"));
-    if (file.open(QIODevice::ReadOnly)) {
-        for (const QByteArray& line : file.readAll().split('\n')) {
-            const QList<QByteArray> words = line.simplified().split(' ');
-            if (words[0] == "MemAvailable:" && words.size() > 1) {
-                return words[1].toLongLong() * BYTES_PER_KILOBYTE;
-            }
+    return file.open(QIODevice::ReadOnly) ? availableMemoryIn(file.readAll()) : 0;
+}
+
+qint64 ArchiveSchedule::availableMemoryIn(const QByteArray& account)
+{
+    for (const QByteArray& line : account.split('\n')) {
+        const QList<QByteArray> words = line.simplified().split(' ');
+        if (words[0] == "MemAvailable:") {
+            return words.value(1).toLongLong() * BYTES_PER_KILOBYTE;
         }
     }
     return 0;

@@ -38,4 +38,7 @@ std::vector<Job> parcelsOf(const std::vector<PlannedDocument>& documents, int ma
 /** In bytes, what the machine could give to processes now; 0 when it does not tell. */
 qint64 availableMemory();
 
+/** The same, as the text of /proc/meminfo (proc(5)) tells it. */
+qint64 availableMemoryIn(const QByteArray& account);
+
 } // namespace ArchiveSchedule

@@ -921,6 +921,19 @@ class HostileDocuments(ArchiveTest):
         self.put_in_place(WORKER, (otherwise if only_once else "") +
                           f"exec strace -o '{self.folder}/traced' {rules} '{program}' \"$@\"")
 
+    def test_a_report_that_cannot_grow_ends_the_run_before_the_work(self):
+        for number in range(60):
+            self.archive.add(f"{number:02}.xml", CLEAN)
+        self.run_archive(DONE)
+        limit = (self.archive.target / REPORT).stat().st_size  # no plan or output is as large
+        self.archive.add("new.xml", CLEAN)
+        self.archive.add("note.txt", "no XML")  # of which the run tells before it converts
+        run = self.run_archive(NOT_WRITTEN, env={**os.environ, **self.uncounted()},
+                               preexec_fn=lambda: resource.setrlimit(
+                                   resource.RLIMIT_FSIZE, (limit, limit)))
+        self.assertIn(b"report.jsonl cannot be written: ", run.stderr)
+        self.assertNotIn("new.xml", self.archive.targets())
+
     def test_a_report_that_cannot_grow_ends_the_run_at_once(self):
         for number in range(60):
             self.archive.add(f"{number:02}.xml", CLEAN)

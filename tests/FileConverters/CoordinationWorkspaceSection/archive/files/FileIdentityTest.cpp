@@ -27,6 +27,8 @@ void FileIdentityTest::identityIsSizeAndHash_data()
                            << "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855";
     QTest::newRow("a few") << QByteArray("abc")
                            << "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad";
+    QTest::newRow("one") << QByteArray("a")
+                         << "ca978112ca1bbdcafac231b39a23dc4da786eff8147c4e72b9807785afee48bb";
     QTest::newRow("a million")
         << QByteArray(1000000, 'a')
         << "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0";

@@ -17,6 +17,8 @@ private slots:
     void howDocumentsAreSpreadOverMachines_data();
     void howDocumentsAreSpreadOverMachines();
     void largeDocumentsStayHere();
+    void memoryIsReadFromTheKernelsAccount_data();
+    void memoryIsReadFromTheKernelsAccount();
     void theMachineTellsItsMemory();
 
 private:
@@ -139,6 +141,26 @@ void ArchiveScheduleTest::largeDocumentsStayHere()
 {
     QVERIFY(!ArchiveSchedule::isForHere(documents(1, 8000000).front()));
     QVERIFY(ArchiveSchedule::isForHere(documents(1, 8000001).front()));
+}
+
+void ArchiveScheduleTest::memoryIsReadFromTheKernelsAccount_data()
+{
+    QTest::addColumn<QByteArray>("account");
+    QTest::addColumn<qint64>("bytes");
+    QTest::newRow("usual") << QByteArray("MemTotal:       24 kB\nMemFree:        1 kB\n"
+                                         "MemAvailable:   22 kB\nBuffers:        3 kB\n")
+                           << qint64(22 * 1024);
+    QTest::newRow("more than an int holds")
+        << QByteArray("MemAvailable: 8589934592 kB\n") << qint64(8796093022208);
+    QTest::newRow("not told") << QByteArray("MemTotal: 24 kB\nMemFree: 1 kB\n") << qint64(0);
+    QTest::newRow("no number") << QByteArray("MemAvailable:\n") << qint64(0);
+    QTest::newRow("nothing") << QByteArray() << qint64(0);
+}
+
+void ArchiveScheduleTest::memoryIsReadFromTheKernelsAccount()
+{
+    QFETCH(QByteArray, account);
+    QTEST(ArchiveSchedule::availableMemoryIn(account), "bytes");
 }
 
 void ArchiveScheduleTest::theMachineTellsItsMemory()

@@ -124,6 +124,7 @@ void MachineRecordTest::lossyOnesAreNotWrittenWhereOnlyCleanOnesAre()
     settings.onlyClean = true;
     QVERIFY(
         MachineRecord::isAnswer(left(DocumentRecord::LOSSY, "not-clean"), document(), settings));
+    QVERIFY(!MachineRecord::isAnswer(left(DocumentRecord::LOSSY, "too-new"), document(), settings));
     QVERIFY(
         !MachineRecord::isAnswer(written(DocumentRecord::LOSSY, AFTER, 1), document(), settings));
     QVERIFY(
