@@ -150,15 +150,19 @@ QByteArray findDifference(const QString& before, const QString& after)
         .toUtf8();
 }
 
+// False, with errno set, when not every byte was written.
 bool copyBytes(const QString& from, const QString& to)
 {
     QFile source(from);
     QFile copy(to);
-    if (!source.open(QIODevice::ReadOnly) || !copy.open(QIODevice::WriteOnly)) {
+    if (!source.open(QIODevice::ReadOnly) ||
+        !copy.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
         return false;
     }
     for (QByteArray chunk = source.read(CHUNK); !chunk.isEmpty(); chunk = source.read(CHUNK)) {
-        copy.write(chunk);
+        if (copy.write(chunk) != chunk.size()) {
+            return false;
+        }
     }
     return true;
 }

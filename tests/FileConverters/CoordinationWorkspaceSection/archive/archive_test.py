@@ -914,6 +914,18 @@ class HostileDocuments(ArchiveTest):
                 self.assertEqual(test.archive.outcomes(), {"a.xml": ("failed", "not-written")})
                 self.assertIn("Input/output error", test.archive.records()["a.xml"]["text"])
 
+    def test_a_copy_that_finds_no_room(self):
+        current = converted(CLEAN).replace(b"</coordinated_data_root>",
+                                           b"<!-- " + b"x" * 50_000 + b" --></coordinated_data_root>")
+        self.archive.add("a.xml", current)
+        run = self.run_archive(FAILED, env={**os.environ, **self.uncounted()},
+                               preexec_fn=lambda: resource.setrlimit(
+                                   resource.RLIMIT_FSIZE, (40_000, 40_000)))
+        self.assertIn(b"1 failed", run.stdout)
+        self.assertEqual(self.archive.outcomes(), {"a.xml": ("failed", "not-written")})
+        self.assertIn("File too large", self.archive.records()["a.xml"]["text"])
+        self.assertEqual(self.archive.targets(), {})
+
     def trace_worker(self, rules, only_once=False):
         """Runs the worker under strace, which writes what it sees into "traced"."""
         program = PROGRAMS / WORKER

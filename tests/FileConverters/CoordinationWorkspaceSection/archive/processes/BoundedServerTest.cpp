@@ -19,10 +19,18 @@ namespace {
 constexpr qint64 PLENTY = 2000000000;
 constexpr int MEGABYTE = 1000000;
 
+int openDescriptors()
+{
+    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries).size();
+}
+
 QByteArray work(const QByteArray& request)
 {
     if (request == "process") {
         return QByteArray::number(getpid());
+    }
+    if (request == "descriptors") {
+        return QByteArray::number(openDescriptors());
     }
     if (request == "throw") {
         throw std::runtime_error("as asked");
@@ -55,11 +63,6 @@ std::vector<int> freeDescriptors(int count)
     return numbers;
 }
 
-int openDescriptors()
-{
-    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::AllEntries).size();
-}
-
 bool throwsSystemError(BoundedServer& server)
 {
     try {
@@ -77,6 +80,7 @@ class BoundedServerTest : public QObject
     Q_OBJECT
 
 private slots:
+    void processHoldsItsEndsOfThePipesOnly();
     void initTestCase();
     void oneProcessAnswersEachRequest();
     void anyBytesMayBeAskedAndAnswered();
@@ -87,6 +91,14 @@ private slots:
     void withoutDescriptorsItCannotBegin_data();
     void withoutDescriptorsItCannotBegin();
 };
+
+// With the other ends it would not notice that nobody can ask it any more.
+void BoundedServerTest::processHoldsItsEndsOfThePipesOnly()
+{
+    const int before = openDescriptors();
+    BoundedServer server(work);
+    QCOMPARE(server.ask("descriptors", {})->toInt(), before + 2);
+}
 
 void BoundedServerTest::initTestCase()
 {
