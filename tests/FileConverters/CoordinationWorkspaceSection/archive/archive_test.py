@@ -894,6 +894,21 @@ class HostileDocuments(ArchiveTest):
             self.assertTrue(found, (what, calls))
             place = found.end()
 
+    def test_the_report_and_its_page_are_synced_before_they_stand(self):
+        self.archive.add("a.xml", CLEAN)
+        self.run_archive(DONE)
+        self.archive.add("a.xml", OLD)  # which has two lines in the report until the run's end
+        page = self.archive.target / "page.html"
+        traced = self.folder / "traced"
+        subprocess.run(["strace", "-y", "-e", "trace=fsync,rename,renameat2", "-o", traced,
+                        *self.archive.arguments(f"--html={page}")], check=True, timeout=60,
+                       stdout=subprocess.DEVNULL)
+        calls = traced.read_text().replace(str(self.archive.target), "T")
+        for folder, name in (("T/.coordworkspace", "report.jsonl"), ("T", "page.html")):
+            part = rf"{re.escape(folder)}/[^/>\"]*\.part"
+            self.assertRegex(calls, rf'fsync\(\d+<{part}>\) += 0\n'
+                                    rf'rename\w*\([^\n]*"{part}",[^\n]*"{folder}/{name}"')
+
     def test_a_file_system_that_cannot_tell_whether_a_name_is_taken(self):
         self.trace_worker("-e inject=renameat2:error=EINVAL")
         self.archive.add("a.xml", CLEAN)
