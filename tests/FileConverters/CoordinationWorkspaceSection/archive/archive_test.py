@@ -902,7 +902,7 @@ class HostileDocuments(ArchiveTest):
         traced = self.folder / "traced"
         subprocess.run(["strace", "-y", "-e", "trace=fsync,rename,renameat2", "-o", traced,
                         *self.archive.arguments(f"--html={page}")], check=True, timeout=60,
-                       stdout=subprocess.DEVNULL)
+                       env=UNDER_STRACE, stdout=subprocess.DEVNULL)
         calls = traced.read_text().replace(str(self.archive.target), "T")
         for folder, name in (("T/.coordworkspace", "report.jsonl"), ("T", "page.html")):
             part = rf"{re.escape(folder)}/[^/>\"]*\.part"
