@@ -7,6 +7,7 @@
 /** Paths as the system has them and as texts, and the links on their way. */
 namespace Paths {
 
+/** As the system has it: in UTF-8. */
 std::filesystem::path native(const QString& path);
 
 /** Whether its name is UTF-8, and none that begins with a byte-order mark, which Qt would drop. */
