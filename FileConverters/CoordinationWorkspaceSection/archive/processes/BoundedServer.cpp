@@ -115,7 +115,7 @@ void BoundedServer::serve(int requests, int answers) const
 
 void BoundedServer::end()
 {
-    if (m_process == 0) {
+    if (m_process <= 0) { // kill() takes 0 for the own group, -1 for every process that there is
         return;
     }
     m_requests.close();

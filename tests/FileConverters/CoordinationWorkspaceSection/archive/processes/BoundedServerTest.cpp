@@ -5,12 +5,14 @@
 #include <QDir>
 #include <QtTest>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
 
+#include <dlfcn.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -18,6 +20,8 @@ namespace {
 
 constexpr qint64 PLENTY = 2000000000;
 constexpr int MEGABYTE = 1000000;
+
+bool hasProcessesLeft = true;
 
 int openDescriptors()
 {
@@ -75,6 +79,16 @@ bool throwsSystemError(BoundedServer& server)
 
 } // namespace
 
+/** Stands in for the C library's in the whole program. */
+extern "C" __attribute__((visibility("default"))) pid_t fork()
+{
+    if (!hasProcessesLeft) {
+        errno = EAGAIN;
+        return -1;
+    }
+    return reinterpret_cast<pid_t (*)()>(dlsym(RTLD_NEXT, "fork"))();
+}
+
 class BoundedServerTest : public QObject
 {
     Q_OBJECT
@@ -90,6 +104,7 @@ private slots:
     void itMayBeEndedAtAnyTime();
     void withoutDescriptorsItCannotBegin_data();
     void withoutDescriptorsItCannotBegin();
+    void withoutAProcessItCannotBegin();
 };
 
 // With the other ends it would not notice that nobody can ask it any more.
@@ -196,6 +211,20 @@ void BoundedServerTest::withoutDescriptorsItCannotBegin()
     setrlimit(RLIMIT_NOFILE, &few);
     const bool hasThrown = throwsSystemError(server);
     setrlimit(RLIMIT_NOFILE, &before);
+
+    QVERIFY(hasThrown);
+    QCOMPARE(openDescriptors(), open);
+    QCOMPARE(*server.ask("b", {}), QByteArray("answer to b"));
+}
+
+void BoundedServerTest::withoutAProcessItCannotBegin()
+{
+    const int open = openDescriptors();
+    BoundedServer server(work);
+
+    hasProcessesLeft = false;
+    const bool hasThrown = throwsSystemError(server);
+    hasProcessesLeft = true;
 
     QVERIFY(hasThrown);
     QCOMPARE(openDescriptors(), open);
