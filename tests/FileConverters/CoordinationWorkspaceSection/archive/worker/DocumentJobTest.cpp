@@ -1,13 +1,24 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/worker/DocumentJob.h"
 
+#include "FileConverters/CoordinationWorkspaceSection/archive/jobs/ArchiveSettings.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/processes/BoundedServer.h"
+#include "tests/support/TestFolder.h"
+
 #include <QtTest>
 
 #include <QFile>
-#include <QTemporaryDir>
+
+#include <array>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 Q_DECLARE_METATYPE(DocumentRecord::Outcome)
+Q_DECLARE_METATYPE(timespec)
 
 namespace {
+
+constexpr timespec BEFORE{1000000000, 500};
 
 QString testFile(const char* path)
 {
@@ -33,14 +44,10 @@ QByteArray edited(const QByteArray& from, const QByteArray& to)
     return document.replace(from, to);
 }
 
-QString write(const QTemporaryDir& folder, const QByteArray& document)
+QString write(const TestFolder& folder, const QByteArray& document)
 {
-    QString path = folder.filePath(QStringLiteral("document.xml"));
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(document) != document.size()) {
-        qFatal("the document of the test cannot be written");
-    }
-    return path;
+    folder.write("document.xml", document);
+    return folder.path("document.xml");
 }
 
 DocumentRecord judged(const QString& path)
@@ -55,6 +62,14 @@ DocumentRecord judged(const QString& path)
 QByteArray compared(const QString& before, const QString& after)
 {
     return DocumentJob::answerOfReader(before.toUtf8() + '\0' + after.toUtf8());
+}
+
+void setTime(const QString& path, const timespec& time)
+{
+    const std::array<timespec, 2> times{time, time}; // of the last access, of the last change
+    if (utimensat(AT_FDCWD, QFile::encodeName(path).constData(), times.data(), 0) != 0) {
+        qFatal("the document's time cannot be set");
+    }
 }
 
 } // namespace
@@ -72,6 +87,8 @@ private slots:
     void readerFindsNothingInARightConversion();
     void readerTellsTheFirstDifference();
     void readerCannotCompareWithWhatIsGone();
+    void documentThatChangesWhileItIsReadIsNotWritten_data();
+    void documentThatChangesWhileItIsReadIsNotWritten();
 };
 
 void DocumentJobTest::readerJudgesADocument_data()
@@ -115,7 +132,7 @@ void DocumentJobTest::readerJudgesADocument()
     QFETCH(DocumentRecord::Outcome, outcome);
     QFETCH(QString, reason);
     QFETCH(QStringList, losses);
-    const QTemporaryDir folder;
+    const TestFolder folder;
 
     const DocumentRecord record = judged(write(folder, document));
 
@@ -131,22 +148,22 @@ void DocumentJobTest::readerJudgesADocument()
 
 void DocumentJobTest::readerTellsOfAPlaceInABrokenDocument()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const QString path = write(folder, "<coordinated_data_root>\n\n<a></b>");
     QVERIFY2(judged(path).text.startsWith("line 3: "), qPrintable(judged(path).text));
 }
 
 void DocumentJobTest::readerCannotReadWhatIsGone()
 {
-    const QTemporaryDir folder;
-    const DocumentRecord record = judged(folder.filePath("gone.xml"));
+    const TestFolder folder;
+    const DocumentRecord record = judged(folder.path("gone.xml"));
     QCOMPARE(record.outcome, DocumentRecord::FAILED);
     QCOMPARE(record.reason, QString("not-readable"));
 }
 
 void DocumentJobTest::lossesOfOneKindAreToldOnce()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     const QString path = write(folder, edited("<compat_profiles>", "<compat_profiles>\n<x/><x/>"));
 
     const DocumentRecord record = judged(path);
@@ -170,7 +187,7 @@ void DocumentJobTest::readerFindsNothingInARightConversion()
 
 void DocumentJobTest::readerTellsTheFirstDifference()
 {
-    const QTemporaryDir folder;
+    const TestFolder folder;
     QFile file(testFile("../../cases/one_system/output.xml"));
     QVERIFY(file.open(QIODevice::ReadOnly));
     QByteArray output = file.readAll();
@@ -189,9 +206,53 @@ void DocumentJobTest::readerTellsTheFirstDifference()
 
 void DocumentJobTest::readerCannotCompareWithWhatIsGone()
 {
-    const QTemporaryDir folder;
-    QVERIFY(compared(testFile("../../cases/one_system/input.xml"), folder.filePath("gone.xml"))
+    const TestFolder folder;
+    QVERIFY(compared(testFile("../../cases/one_system/input.xml"), folder.path("gone.xml"))
                 .startsWith("it cannot be compared"));
+}
+
+void DocumentJobTest::documentThatChangesWhileItIsReadIsNotWritten_data()
+{
+    QTest::addColumn<timespec>("after");
+    QTest::addColumn<DocumentRecord::Outcome>("outcome");
+    QTest::addColumn<QString>("reason");
+
+    QTest::newRow("no change") << BEFORE << DocumentRecord::CURRENT << "";
+    QTest::newRow("within the second")
+        << timespec{BEFORE.tv_sec, BEFORE.tv_nsec + 1} << DocumentRecord::FAILED << "changed";
+    QTest::newRow("by a whole second")
+        << timespec{BEFORE.tv_sec + 1, BEFORE.tv_nsec} << DocumentRecord::FAILED << "changed";
+    QTest::newRow("to an earlier time")
+        << timespec{BEFORE.tv_sec - 1, BEFORE.tv_nsec} << DocumentRecord::FAILED << "changed";
+}
+
+void DocumentJobTest::documentThatChangesWhileItIsReadIsNotWritten()
+{
+    QFETCH(timespec, after);
+    QFETCH(DocumentRecord::Outcome, outcome);
+    QFETCH(QString, reason);
+    const TestFolder folder;
+    folder.write("source/document.xml", edited("version=\"0.2\"", "version=\"0.3\""));
+    setTime(folder.path("source/document.xml"), BEFORE);
+    ArchiveSettings settings;
+    settings.source = folder.path("source");
+    settings.target = folder.path("target");
+    settings.memoryBytes = 0;
+    PlannedDocument document;
+    document.path = "document.xml";
+    BoundedServer reader([&](const QByteArray& request) {
+        QByteArray answer = DocumentJob::answerOfReader(request);
+        setTime(settings.sourceOf(document.path), after);
+        return answer;
+    });
+    DocumentJob job(settings, document, reader);
+
+    job.run();
+    job.commit();
+
+    QCOMPARE(job.record().outcome, outcome);
+    QCOMPARE(job.record().reason, reason);
+    QCOMPARE(QFile::exists(settings.targetOf(document.path)), reason.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(DocumentJobTest)
