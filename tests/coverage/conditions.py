@@ -13,6 +13,10 @@ import pathlib
 import sys
 
 PROJECT = pathlib.Path(__file__).resolve().parent.parent.parent
+sys.path.insert(0, str(PROJECT / "tests"))
+import places  # noqa: E402
+import reasons  # noqa: E402
+
 BAR = 95.0
 CONVERSION = "FileConverters/CoordinationWorkspaceSection/"
 PARTS = {
@@ -32,27 +36,20 @@ PARTS = {
 }  # fmt: skip
 
 
-def explained():
-    """(source, line, number) of what undecided.txt gives a reason for."""
-    lines = pathlib.Path(__file__).with_name("undecided.txt").read_text(encoding="utf-8").splitlines()
-    split = [line.rsplit(" | ", 2) for line in lines if line and not line.startswith("#")]
-    return {(*place.split(" | ", 1), int(number)) for place, number, _reason in split}
-
-
 def undecided(entry):
-    """The same of the conditions in a file that did not decide."""
+    """(source, number, place) of the conditions in a file that did not decide."""
     path = pathlib.Path(entry["filename"]).relative_to(PROJECT)
-    lines = (PROJECT / path).read_text(encoding="utf-8").splitlines()
+    told = places.places((PROJECT / path).read_text(encoding="utf-8").splitlines())
     for line, *_, decided in entry["mcdc_records"]:
         for number, has_decided in enumerate(decided, 1):
             if not has_decided:
-                yield str(path), lines[line - 1].strip(), number
+                yield str(path), str(number), told[line]
 
 
 def main():
     with open(sys.argv[1], encoding="utf-8") as file:
         files = json.load(file)["data"][0]["files"]
-    reasons = explained()
+    listed = reasons.reasons(pathlib.Path(__file__).with_name("undecided.txt"))
     status = 0
     for part, patterns in PARTS.items():
         entries = [
@@ -66,9 +63,9 @@ def main():
         print(f"conditions: {part}: {covered} of {count}, {share:.1f} %")
         if share < BAR:
             status = 1
-        for condition in {found for entry in entries for found in undecided(entry)} - reasons:
-            path, line, number = condition
-            print(f"no reason: {path}: condition {number} of {line}")
+        found = {condition for entry in entries for condition in undecided(entry)}
+        for path, number, place in sorted(found - listed.keys()):
+            print(f"no reason: {path}: condition {number} of {place}")
             status = 1
     return status
 

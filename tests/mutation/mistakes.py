@@ -49,7 +49,7 @@ class Mistake:
     line: int
     kind: str
     before: str  # the line as it stands, without the blanks around it
-    place: str  # the same, after the line above it where it is short, as "return false;" is
+    place: str  # tells this line from others of the source
 
     def in_text(self, text):
         return text[: self.start] + self.replacement.encode() + text[self.end :]
@@ -66,6 +66,7 @@ class Finder:
         self.source = str(project / path)
         self.text = pathlib.Path(self.source).read_bytes()
         self.lines = self.text.decode(errors="replace").split("\n")
+        self.places = places.places(self.lines)
         unit = cindex.Index.create().parse(self.source, args=arguments)
         errors = [d for d in unit.diagnostics if d.severity >= cindex.Diagnostic.Error]
         if errors:
@@ -142,4 +143,4 @@ class Finder:
         if before.startswith(("static_assert", "#")):
             return
         self.found.add(Mistake(self.path, start, end, replacement, line, kind, before,
-                               places.place(self.lines, line)))
+                               self.places[line]))

@@ -419,7 +419,7 @@ class Uncovered(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.project = pathlib.Path(folder.name)
         (self.project / "tests/coverage").mkdir(parents=True)
-        for name in ("tests/places.py", "tests/coverage/uncovered.py"):
+        for name in ("tests/places.py", "tests/reasons.py", "tests/coverage/uncovered.py"):
             shutil.copy(PROJECT / name, self.project / name)
 
     def check(self, never, listed, source=SOURCE):
@@ -448,11 +448,6 @@ class Uncovered(unittest.TestCase):
 
     def test_a_line_that_some_runs_execute(self):
         self.assertEqual(self.check([], ["return number < 5 || number > 6;"]), [])
-
-    def test_a_line_that_is_gone(self):
-        self.assertEqual(self.check([], ["return number < 6 || number > 6;"]),
-                         ["source.cpp: a line that is gone has a reason: "
-                          "return number < 6 || number > 6;"])
 
     def test_a_short_line_is_told_after_the_one_above_it(self):
         place = "if (number > 9) { return false;"
