@@ -15,7 +15,7 @@ Converts every workspace document below the folder SOURCE into the same place be
 TARGET. May be stopped at any moment; the next run goes on where this one stopped. Changes nothing
 in SOURCE.
 
-  --dry-run        write nothing; print what the report would get
+  --dry-run        write nothing but a page; print what the report would get
   --force          replace what stands in a target's place
   --verify         compare each output with its document by a reading of its own
   --only-clean     do not write documents that lose something
@@ -31,9 +31,10 @@ in SOURCE.
   --version        print the version
 
 Status: 0 all is converted or was current; 2 a document lost something, with --fail-if-lossy; 3 a
-document was refused; 4 one met a limit; 5 one failed; 64 wrong usage; 69 GNU Parallel or the
-converter is missing; 74 the run could not write; 75 another run is at work in TARGET; 130 stopped.
-Of several the highest counts. Files that are no workspace documents do not count.
+document was refused; 4 one met a limit; 5 one failed; 64 wrong usage; 69 a program that is needed
+is missing or broke off; 74 the run could not read or write its files; 75 another run is at work in
+TARGET; 130 stopped. Of several the highest counts. Files that are no workspace documents do not
+count.
 )";
 
 constexpr qint64 MILLISECONDS_PER_SECOND = 1000;
@@ -122,6 +123,16 @@ void addOptions(QCommandLineParser& parser)
     parser.addOption(option("machines", "FILE"));
 }
 
+// The problem is told when there is one, and left as it is otherwise.
+QString realPath(const QString& given, QString& problem)
+{
+    const std::optional<QString> real = Paths::real(given);
+    if (!real) {
+        problem = QStringLiteral("a path that is not UTF-8 cannot be used: %1").arg(given);
+    }
+    return real.value_or(QString());
+}
+
 // These three return what is wrong, and nothing when nothing is.
 
 QString parseBounds(const QCommandLineParser& parser, ArchiveCommandLine& line)
@@ -147,9 +158,10 @@ QString parseFolders(const QCommandLineParser& parser, ArchiveSettings& settings
     if (folders.size() != 2 || folders.contains(QString())) {
         return QStringLiteral("the folders SOURCE and TARGET are to be named");
     }
-    settings.source = Paths::real(folders[0]);
-    settings.target = Paths::real(folders[1]);
-    return {};
+    QString problem;
+    settings.source = realPath(folders[0], problem);
+    settings.target = realPath(folders[1], problem);
+    return problem;
 }
 
 QString parseFiles(const QCommandLineParser& parser, ArchiveCommandLine& line)
@@ -159,13 +171,14 @@ QString parseFiles(const QCommandLineParser& parser, ArchiveCommandLine& line)
             return QStringLiteral("--%1 is the name of a file").arg(name);
         }
     }
+    QString problem;
     line.settings.report = parser.isSet(QStringLiteral("report"))
-                               ? Paths::real(parser.value(QStringLiteral("report")))
+                               ? realPath(parser.value(QStringLiteral("report")), problem)
                                : line.settings.usualReport();
     if (parser.isSet(QStringLiteral("html"))) {
-        line.page = Paths::real(parser.value(QStringLiteral("html")));
+        line.page = realPath(parser.value(QStringLiteral("html")), problem);
     }
-    return {};
+    return problem;
 }
 
 } // namespace

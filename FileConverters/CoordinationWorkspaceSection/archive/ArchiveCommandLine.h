@@ -12,10 +12,10 @@ struct ArchiveCommandLine
     Task task = CONVERT;
     ArchiveSettings settings;
     bool forces = false;       ///< replaces what stands in a target's place
-    bool isTrial = false;      ///< writes nothing
+    bool isTrial = false;      ///< writes nothing but a page
     bool failsIfLossy = false; ///< sets the status for lossy documents
     QString page;              ///< a file for the report as a page, absolute; empty for none
-    int jobs = 0;              ///< at the same time; 0 for one more than cores
+    int jobs = 0;              ///< at the same time; 0 for as many as is usual where they run
     QString machines;          ///< the login file, absolute; empty for this machine only
 
     /**

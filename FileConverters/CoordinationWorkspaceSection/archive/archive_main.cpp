@@ -4,11 +4,13 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveMessages.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePlaces.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveRun.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/files/Paths.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/processes/StopSignals.h"
 
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <iostream>
 
 namespace {
@@ -59,6 +61,10 @@ int main(int argc, char** argv)
     StopSignals::watch();
     std::ios::sync_with_stdio(false);
 
+    // As a text it would name another file.
+    if (!std::all_of(argv + std::min(argc, 1), argv + argc, Paths::isUtf8)) {
+        return refuse(QStringLiteral("an argument is not UTF-8"));
+    }
     ArchiveCommandLine commandLine;
     const QString problem = commandLine.parse(ProcessSetup::argumentsOf(argc, argv));
     if (!problem.isEmpty()) {

@@ -78,9 +78,10 @@ QString Paths::textOf(const fs::path& path)
     return text;
 }
 
-QString Paths::real(const QString& path)
+std::optional<QString> Paths::real(const QString& path)
 {
-    return textOf(withoutLinks(path));
+    const fs::path real = withoutLinks(path);
+    return isUtf8(real) ? std::optional(textOf(real)) : std::nullopt;
 }
 
 bool Paths::overlap(const QString& one, const QString& other)

@@ -4,6 +4,9 @@
 
 #include <QtTest>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 class PathsTest : public QObject
 {
     Q_OBJECT
@@ -15,6 +18,7 @@ private slots:
     void differentNamesLookDifferent();
     void pathsAreRealAsFarAsTheyExist_data();
     void pathsAreRealAsFarAsTheyExist();
+    void aPathThatIsNoUtf8IsNone();
     void foldersOverlap_data();
     void foldersOverlap();
     void placesOfFiles_data();
@@ -86,11 +90,22 @@ void PathsTest::pathsAreRealAsFarAsTheyExist()
     QFETCH(QString, real);
     QVERIFY(QDir().mkpath(path("folder")));
     QVERIFY(QFile::link("folder", path("link")));
-    QCOMPARE(Paths::real(m_root + given), m_root + real);
+    QCOMPARE(Paths::real(m_root + given).value(), m_root + real);
     const QString before = QDir::currentPath();
     QVERIFY(QDir::setCurrent(m_root));
-    QCOMPARE(Paths::real(given.mid(1)), m_root + real);
+    QCOMPARE(Paths::real(given.mid(1)).value(), m_root + real);
     QVERIFY(QDir::setCurrent(before));
+}
+
+// As a text it would be the path of something else.
+void PathsTest::aPathThatIsNoUtf8IsNone()
+{
+    const QByteArray folder = QFile::encodeName(path("caf")) + "\xe9";
+    QCOMPARE(mkdir(folder.constData(), S_IRWXU), 0);
+    QCOMPARE(symlink("caf\xe9", QFile::encodeName(path("link")).constData()), 0);
+    const std::optional<QString> real = Paths::real(path("link/new"));
+    QCOMPARE(rmdir(folder.constData()), 0); // which Qt cannot, by such a name
+    QVERIFY(!real);
 }
 
 void PathsTest::foldersOverlap_data()
