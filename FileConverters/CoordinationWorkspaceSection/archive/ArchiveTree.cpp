@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <limits>
+#include <set>
 
 namespace fs = std::filesystem;
 
@@ -53,6 +54,7 @@ public:
     std::vector<ArchiveEntry> entries()
     {
         visitFolder(m_root);
+        tellLookAlikesApart();
         std::sort(m_entries.begin(), m_entries.end(),
                   [](const ArchiveEntry& one, const ArchiveEntry& other) {
                       return one.path < other.path;
@@ -89,7 +91,7 @@ private:
         const fs::file_status status = entry.status(error);
         if (status.type() == fs::file_type::directory && !isLink) {
             visitFolder(entry.path());
-        } else if (!Paths::isUtf8(entry.path().lexically_relative(m_root).c_str())) {
+        } else if (!Paths::isUtf8(entry.path().lexically_relative(m_root))) {
             refuse(entry.path(), "name-not-utf8",
                    "its name is not UTF-8, or begins with a byte-order mark");
         } else if (status.type() == fs::file_type::regular) {
@@ -119,6 +121,9 @@ private:
     void refuse(const fs::path& path, const char* reason, const char* text,
                 DocumentRecord::Outcome outcome = DocumentRecord::REFUSED)
     {
+        if (!Paths::isUtf8(path.lexically_relative(m_root))) {
+            m_shownOtherwise.insert(m_entries.size());
+        }
         m_entries.push_back({pathOf(path), 0, QLatin1String(reason), QLatin1String(text), outcome});
     }
 
@@ -127,8 +132,28 @@ private:
         return Paths::textOf(path.lexically_relative(m_root));
     }
 
+    // What a name that is not UTF-8 shows as may be the name of something else.
+    void tellLookAlikesApart()
+    {
+        if (m_shownOtherwise.empty()) {
+            return;
+        }
+        std::set<QString> taken;
+        for (std::size_t i = 0; i < m_entries.size(); ++i) {
+            if (m_shownOtherwise.count(i) == 0) {
+                taken.insert(m_entries[i].path);
+            }
+        }
+        for (const std::size_t i : m_shownOtherwise) {
+            while (!taken.insert(m_entries[i].path).second) {
+                m_entries[i].path += QChar(QChar::ReplacementCharacter);
+            }
+        }
+    }
+
     const fs::path m_root;
     std::vector<ArchiveEntry> m_entries;
+    std::set<std::size_t> m_shownOtherwise; // of the entries
 };
 
 } // namespace

@@ -9,11 +9,14 @@
 /** Something that stands in an archive's folder or below. */
 struct ArchiveEntry
 {
-    /** Below the archive's folder. A byte that is no UTF-8 shows as U+FFFD and two hex digits. */
+    /**
+     * Below the archive's folder; no two entries have the same. A byte that is no UTF-8 shows as
+     * U+FFFD and two hex digits, and where that is another one's name more U+FFFD follow.
+     */
     QString path;
-    qint64 size = 0;
-    QString reason; ///< why it is no document to convert, for programs; empty when it may be one
-    QString text;   ///< why, for people
+    qint64 size = 0; ///< in bytes; 0 where there is a reason
+    QString reason;  ///< why it is no document to convert, for programs; empty when it may be one
+    QString text;    ///< why, for people
     DocumentRecord::Outcome outcome = DocumentRecord::REFUSED; ///< when there is a reason
 };
 
@@ -34,8 +37,8 @@ namespace ArchiveTree {
 std::vector<ArchiveEntry> find(const QString& folder);
 
 /**
- * Removes the files that killed runs have left unfinished. A folder below that is the target of
- * other runs is left to them.
+ * Removes the files that killed runs have left unfinished, as far as they can be removed. A folder
+ * below that is the target of other runs is left to them.
  */
 void sweep(const QString& folder);
 

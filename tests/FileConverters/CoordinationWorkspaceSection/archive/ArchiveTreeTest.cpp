@@ -21,6 +21,7 @@ private slots:
     void whatIsNoDocumentIsToldWithItsReason();
     void namesThatAreNoUtf8LookDifferent_data();
     void namesThatAreNoUtf8LookDifferent();
+    void lookAlikesAreToldApart();
     void theBeginningTellsWhatMayBeXml_data();
     void theBeginningTellsWhatMayBeXml();
     void whatRunsKeepIsNoPartOfAnArchive();
@@ -129,6 +130,24 @@ void ArchiveTreeTest::namesThatAreNoUtf8LookDifferent()
     QCOMPARE(entries.size(), std::size_t(1));
     QTEST(entries[0].path, "told");
     QCOMPARE(entries[0].reason, QString("name-not-utf8"));
+}
+
+// What a broken name shows as is a name that a file may have.
+void ArchiveTreeTest::lookAlikesAreToldApart()
+{
+    const QByteArray broken = QFile::encodeName(m_root) + "/\xff.xml";
+    write("\ufffdFF.xml", "<a/>");
+    write("\ufffdFF.xml\ufffd", "<a/>");
+    QCOMPARE(symlink("/dev/null", broken.constData()), 0);
+    const std::vector<ArchiveEntry> entries = found();
+    QCOMPARE(unlink(broken.constData()), 0); // which Qt cannot, by such a name
+    QCOMPARE(entries.size(), std::size_t(3));
+    QCOMPARE(entries[0].path, QString("\ufffdFF.xml"));
+    QCOMPARE(entries[0].reason, QString());
+    QCOMPARE(entries[1].path, QString("\ufffdFF.xml\ufffd"));
+    QCOMPARE(entries[1].reason, QString());
+    QCOMPARE(entries[2].path, QString("\ufffdFF.xml\ufffd\ufffd"));
+    QCOMPARE(entries[2].reason, QString("name-not-utf8"));
 }
 
 void ArchiveTreeTest::theBeginningTellsWhatMayBeXml_data()
