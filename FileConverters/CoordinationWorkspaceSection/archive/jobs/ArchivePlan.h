@@ -11,8 +11,8 @@
 /** A document that is to be converted. */
 struct PlannedDocument
 {
-    QString path; ///< below the archive's folder
-    qint64 size = 0;
+    QString path;                        ///< below the archive's folder
+    qint64 size = 0;                     ///< in bytes
     bool mayReplace = false;             ///< what stands in its place
     bool isBlocked = false;              ///< something stands in its place that is kept
     std::optional<FileIdentity> earlier; ///< what an earlier run wrote there
@@ -21,8 +21,8 @@ struct PlannedDocument
 /** Where the documents of a job stand in the plan's file. */
 struct PlannedJob
 {
-    qint64 offset = 0;
-    int count = 0;
+    qint64 offset = 0; ///< of the first one's line, in bytes
+    int count = 0;     ///< of its documents
 };
 
 /**
@@ -35,7 +35,11 @@ namespace ArchivePlan {
 /** How a line of a worker begins that tells why the run cannot go on. Its others are records. */
 inline const QByteArray PROBLEM = QByteArrayLiteral("problem: ");
 
-/** Writes the plan. @return the jobs, as told by @p jobs; empty when the file cannot be written. */
+/**
+ * Writes the plan.
+ *
+ * @return the jobs, as told by @p jobs; empty, with errno set, when the file cannot be written.
+ */
 std::vector<PlannedJob> write(const QString& file, const ArchiveSettings& settings,
                               const std::vector<std::vector<PlannedDocument>>& jobs);
 

@@ -5,9 +5,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include <algorithm>
-#include <limits>
-
 namespace {
 
 constexpr qint64 MEGABYTE = 1000000;
@@ -15,7 +12,6 @@ constexpr qint64 BASE_MILLISECONDS = 10000;
 constexpr qint64 MILLISECONDS_PER_MEGABYTE = 1000;
 constexpr qint64 BASE_MEMORY = 256 * MEGABYTE;
 constexpr qint64 MEMORY_PER_BYTE = 64;
-constexpr qint64 MOST_MILLISECONDS = std::numeric_limits<int>::max(); // that can be waited for
 
 void add(JsonLine& line, const char* key, const std::optional<qint64>& number)
 {
@@ -35,7 +31,7 @@ ProcessLimits ArchiveSettings::limitsFor(qint64 size) const
 {
     const qint64 usual = BASE_MILLISECONDS + MILLISECONDS_PER_MEGABYTE * size / MEGABYTE;
     return {memoryBytes.value_or(BASE_MEMORY + MEMORY_PER_BYTE * size),
-            std::min(milliseconds.value_or(usual), MOST_MILLISECONDS)};
+            milliseconds.value_or(usual)};
 }
 
 QByteArray ArchiveSettings::toLine() const

@@ -12,7 +12,7 @@ struct ArchiveSettings
 {
     QString source;    ///< the archive's folder, absolute and without links
     QString target;    ///< where converted documents stand, likewise
-    QString report;    ///< the report's file; empty when none is written
+    QString report;    ///< the report's file, absolute
     QString converter; ///< the program that converts one document; empty for the worker's own
     QString staging;   ///< where outputs are written for a trial; empty when they are to stand
     QString version;   ///< of the worker that may do the work; empty for any

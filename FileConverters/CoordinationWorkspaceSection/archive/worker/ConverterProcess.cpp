@@ -8,6 +8,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sched.h>
@@ -48,7 +49,6 @@ int becomeConverter(void* argument)
     return NOT_LOADED;
 }
 
-// Negative, with start.error set, when there is none.
 pid_t begin(Start& start)
 {
     // Not fork(), as of QProcess: to copy this process's memory took 7 % of the time of an archive
@@ -58,7 +58,7 @@ pid_t begin(Start& start)
     const pid_t process = clone(becomeConverter, stack.data() + stack.size(),
                                 CLONE_VM | CLONE_VFORK | SIGCHLD, &start);
     if (process < 0) {
-        start.error = errno;
+        throw std::system_error(errno, std::generic_category(), "clone");
     }
     return process;
 }
@@ -117,7 +117,7 @@ ConverterProcess::Outcome ConverterProcess::convert(const QString& converter,
     if (!isInTime) {
         kill(process, SIGKILL);
     }
-    const int status = process < 0 ? 0 : statusOf(process);
+    const int status = statusOf(process);
     if (start.error != 0) {
         // A limit may leave no room for the program itself.
         return start.error == ENOMEM ? BROKE_OFF : NOT_STARTED;

@@ -76,7 +76,7 @@ void commitAll(Jobs& jobs, const QString& target)
         if (StableStorage::syncFolders(folder, target)) {
             synced.insert(folder);
         } else {
-            job.failToWrite();
+            job.failToSyncFolder();
         }
     }
 }

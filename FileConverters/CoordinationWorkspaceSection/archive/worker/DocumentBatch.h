@@ -22,6 +22,8 @@ struct ReturnedDocument
  * and what stands without a report is known as pending.
  *
  * @return what became of them; empty when that could not be reported, with errno set.
+ * @throws std::system_error when the system makes no process or pipe; nothing stands then that did
+ * not stand before.
  */
 std::vector<DocumentRecord> convertBatch(const ArchiveSettings& settings,
                                          const std::vector<PlannedDocument>& documents);

@@ -9,7 +9,6 @@
 #include "FileConverters/CoordinationWorkspaceSection/inspect/TextLayout.h"
 #include "FileConverters/CoordinationWorkspaceSection/inspect/Verification.h"
 
-#include <QDateTime>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
@@ -201,6 +200,7 @@ void DocumentJob::run()
 bool DocumentJob::end(DocumentRecord::Outcome outcome, const char* reason, const QString& text)
 {
     set(m_record, outcome, reason, text);
+    m_record.isVerified = false;
     return false;
 }
 
@@ -273,7 +273,8 @@ bool DocumentJob::write()
     }
     const bool isWritten =
         m_record.outcome == DocumentRecord::CURRENT ? copyInto(*m_output) : convertInto(*m_output);
-    return isWritten && isUnchanged() && finishOutput();
+    // A document that changes meanwhile may fail in other ways, too.
+    return isUnchanged() && isWritten && finishOutput();
 }
 
 bool DocumentJob::beginOutput()
@@ -401,6 +402,13 @@ void DocumentJob::failToWrite()
             .arg(QString::fromLocal8Bit(std::strerror(errno))));
     m_record.target.reset();
     m_record.earlier = m_document.earlier;
+}
+
+void DocumentJob::failToSyncFolder()
+{
+    const std::optional<FileIdentity> standing = m_record.target;
+    failToWrite();
+    m_record.earlier = standing;
 }
 
 void DocumentJob::sync()

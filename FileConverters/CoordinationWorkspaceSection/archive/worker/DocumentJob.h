@@ -15,7 +15,7 @@ class BoundedServer;
 /**
  * The work on one document of an archive: hash, inspect, convert, verify, write.
  *
- * What reads the document as XML runs in processes of its own, within the document's limits.
+ * What reads the document as XML runs in other processes, within the document's limits.
  */
 class DocumentJob
 {
@@ -27,14 +27,18 @@ public:
     /** What the reader of documents does with a request, in its own process. */
     static QByteArray answerOfReader(const QByteArray& request);
 
-    /** Does all the work but the last steps, which are to sync the output and to name it. */
+    /**
+     * Does all the work but the last steps, which are to sync the output and to name it.
+     *
+     * @throws std::system_error when the system makes no process or pipe.
+     */
     void run();
 
     /**
      * Takes over what another machine has done, instead of running.
      *
      * @param told    what it tells of the document.
-     * @param output  the file that came back, which is gone then; empty when there is none.
+     * @param output  the file that came back; empty when there is none. May be moved.
      * @return whether the document and the output are what was told. Otherwise nothing is known of
      * the document, and it still is to be converted.
      */
@@ -51,10 +55,14 @@ public:
     /** The folder of the output; empty when there is none. */
     QString outputFolder() const { return m_output ? m_output->folder() : QString(); }
 
-    /** What the record tells when the output could not be written; by errno. */
-    void failToWrite();
+    /**
+     * What the record tells when the output has its name, and its folder could not be synced; by
+     * errno. What stands is the run's own still.
+     */
+    void failToSyncFolder();
 
 private:
+    void failToWrite();
     bool identify();
     bool inspect();
     std::optional<QByteArray> askReader(const QByteArray& request);

@@ -214,21 +214,26 @@ void DocumentJobTest::readerCannotCompareWithWhatIsGone()
 void DocumentJobTest::documentThatChangesWhileItIsReadIsNotWritten_data()
 {
     QTest::addColumn<timespec>("after");
+    QTest::addColumn<bool>("isRewritten");
     QTest::addColumn<DocumentRecord::Outcome>("outcome");
     QTest::addColumn<QString>("reason");
 
-    QTest::newRow("no change") << BEFORE << DocumentRecord::CURRENT << "";
-    QTest::newRow("within the second")
-        << timespec{BEFORE.tv_sec, BEFORE.tv_nsec + 1} << DocumentRecord::FAILED << "changed";
-    QTest::newRow("by a whole second")
-        << timespec{BEFORE.tv_sec + 1, BEFORE.tv_nsec} << DocumentRecord::FAILED << "changed";
-    QTest::newRow("to an earlier time")
-        << timespec{BEFORE.tv_sec - 1, BEFORE.tv_nsec} << DocumentRecord::FAILED << "changed";
+    QTest::newRow("no change") << BEFORE << false << DocumentRecord::CURRENT << "";
+    QTest::newRow("within the second") << timespec{BEFORE.tv_sec, BEFORE.tv_nsec + 1} << false
+                                       << DocumentRecord::FAILED << "changed";
+    QTest::newRow("by a whole second") << timespec{BEFORE.tv_sec + 1, BEFORE.tv_nsec} << false
+                                       << DocumentRecord::FAILED << "changed";
+    QTest::newRow("to an earlier time") << timespec{BEFORE.tv_sec - 1, BEFORE.tv_nsec} << false
+                                        << DocumentRecord::FAILED << "changed";
+    // The copy is not what was hashed, either.
+    QTest::newRow("other bytes") << timespec{BEFORE.tv_sec + 1, BEFORE.tv_nsec} << true
+                                 << DocumentRecord::FAILED << "changed";
 }
 
 void DocumentJobTest::documentThatChangesWhileItIsReadIsNotWritten()
 {
     QFETCH(timespec, after);
+    QFETCH(bool, isRewritten);
     QFETCH(DocumentRecord::Outcome, outcome);
     QFETCH(QString, reason);
     const TestFolder folder;
@@ -242,6 +247,9 @@ void DocumentJobTest::documentThatChangesWhileItIsReadIsNotWritten()
     document.path = "document.xml";
     BoundedServer reader([&](const QByteArray& request) {
         QByteArray answer = DocumentJob::answerOfReader(request);
+        if (isRewritten) {
+            folder.write("source/document.xml", "<other/>");
+        }
         setTime(settings.sourceOf(document.path), after);
         return answer;
     });
