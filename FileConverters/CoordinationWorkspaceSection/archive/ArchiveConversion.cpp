@@ -60,8 +60,11 @@ ArchiveStatus ArchiveConversion::convertOnMachines()
     std::vector<PlannedDocument> documents = documentsForMachines(forHere);
     for (int round = 0; round < MOST_ROUNDS_OF_MACHINES && !documents.empty(); ++round) {
         MachinesRound machines(m_settings, m_worker, newName(m_folder + PARCELS_BEGIN));
-        if (!machines.start(documents, m_commandLine.machines, m_commandLine.jobs)) {
-            return sayCannotWrite(m_settings.folder());
+        if (!machines.pack(documents, m_commandLine.machines)) {
+            return sayCannotWrite(m_folder);
+        }
+        if (!machines.start(m_commandLine.machines, m_commandLine.jobs)) {
+            return sayCannotStart();
         }
         const auto toldBefore = m_records.all().size();
         const ArchiveStatus status = follow(machines);
@@ -146,8 +149,7 @@ ArchiveStatus ArchiveConversion::convertRound(const ArchiveSchedule::Round& roun
     }
     ParallelProcess parallel(m_worker, m_parallelFolder);
     if (!parallel.startJobs(m_planFile, planned, round.jobsAtATime)) {
-        say(QStringLiteral("GNU Parallel cannot be started"));
-        return ARCHIVE_UNAVAILABLE;
+        return sayCannotStart();
     }
     const auto toldBefore = m_records.all().size();
     const ArchiveStatus status = follow(parallel);
@@ -206,7 +208,7 @@ bool ArchiveConversion::takeWhatIsDoneUntold()
         return true;
     }
     ArchiveHistory now(m_settings);
-    if (!now.read()) {
+    if (!now.read() || !now.reportUntold()) {
         return false;
     }
     if (!m_settings.isTrial()) {
@@ -241,6 +243,12 @@ ArchiveStatus ArchiveConversion::sayCannotWrite(const QString& what) const
 {
     m_progress.clear();
     return ArchiveMessages::sayCannotWrite(what);
+}
+
+ArchiveStatus ArchiveConversion::sayCannotStart() const
+{
+    say(QStringLiteral("GNU Parallel cannot be started"));
+    return ARCHIVE_UNAVAILABLE;
 }
 
 ArchiveStatus ArchiveConversion::sayStopped() const

@@ -55,6 +55,7 @@ private:
     void take(const DocumentRecord& record);
     void say(const QString& text) const;
     ArchiveStatus sayCannotWrite(const QString& what) const;
+    ArchiveStatus sayCannotStart() const;
     ArchiveStatus sayStopped() const;
     std::vector<PlannedDocument> untold() const { return m_records.untoldAmong(m_documents); }
 

@@ -7,6 +7,18 @@
 #include <cstring>
 #include <iostream>
 
+namespace {
+
+ArchiveStatus sayCannot(const char* verb, const QString& what)
+{
+    const QString reason = QString::fromLocal8Bit(std::strerror(errno));
+    ArchiveMessages::say(
+        QStringLiteral("%1 cannot be %2: %3").arg(what, QLatin1String(verb), reason));
+    return ARCHIVE_NOT_WRITTEN;
+}
+
+} // namespace
+
 void ArchiveMessages::say(const QString& text)
 {
     // Names of files are in it, and a name may hold what a terminal obeys.
@@ -15,11 +27,14 @@ void ArchiveMessages::say(const QString& text)
         std::cerr);
 }
 
+ArchiveStatus ArchiveMessages::sayCannotRead(const QString& what)
+{
+    return sayCannot("read", what);
+}
+
 ArchiveStatus ArchiveMessages::sayCannotWrite(const QString& what)
 {
-    say(QStringLiteral("%1 cannot be written: %2")
-            .arg(what, QString::fromLocal8Bit(std::strerror(errno))));
-    return ARCHIVE_NOT_WRITTEN;
+    return sayCannot("written", what);
 }
 
 ArchiveStatus ArchiveMessages::sayStopped()

@@ -44,7 +44,9 @@ QString objectionToReport(const ArchiveSettings& settings)
         return QStringLiteral("the report is among the files that a run keeps for itself: %1")
             .arg(settings.report);
     }
-    if (!ArchiveReport::mayStandIn(settings.report)) {
+    const QString folder = QFileInfo(settings.report).absolutePath();
+    const bool hasFolder = QFileInfo(folder).isDir() || folder == settings.target;
+    if (!hasFolder || !ArchiveReport::mayStandIn(settings.report)) {
         return QStringLiteral("the report's place holds something else, or is in no folder: %1")
             .arg(settings.report);
     }

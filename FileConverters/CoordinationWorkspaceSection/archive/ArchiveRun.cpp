@@ -5,11 +5,9 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveMessages.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchivePlaces.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveSurvey.h"
-#include "FileConverters/CoordinationWorkspaceSection/archive/files/ArchiveLock.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/files/StableStorage.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/page/ArchivePage.h"
 
-#include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -77,9 +75,14 @@ ArchiveStatus ArchiveRun::runAlone()
 {
     const ArchiveLock lock(m_settings.runLock(), ArchiveLock::ALONE);
     if (lock.state() == ArchiveLock::FAILED) {
-        return ArchiveMessages::sayCannotWrite(m_settings.folder());
+        return ArchiveMessages::sayCannotWrite(m_settings.runLock());
     }
-    if (lock.state() == ArchiveLock::BUSY || !endFormerRun()) {
+    const ArchiveLock::State former =
+        lock.state() == ArchiveLock::HELD ? endFormerRun() : ArchiveLock::BUSY;
+    if (former == ArchiveLock::FAILED) {
+        return ArchiveMessages::sayCannotWrite(m_settings.jobsLock());
+    }
+    if (former == ArchiveLock::BUSY) {
         ArchiveMessages::say(QStringLiteral("another run, or what is left of one, is at work in %1")
                                  .arg(m_settings.target));
         return ARCHIVE_BUSY;
@@ -88,21 +91,23 @@ ArchiveStatus ArchiveRun::runAlone()
     return runWithFolder(m_settings.folder());
 }
 
-// False when jobs of it are at work still.
-bool ArchiveRun::endFormerRun() const
+// Busy when jobs of it are at work still.
+ArchiveLock::State ArchiveRun::endFormerRun() const
 {
     const ArchiveLock jobs(m_settings.jobsLock(), ArchiveLock::ALONE);
-    if (jobs.state() != ArchiveLock::HELD) {
-        return false;
+    if (jobs.state() == ArchiveLock::HELD) {
+        ArchiveConversion::removeRemains(m_settings.folder());
     }
-    ArchiveConversion::removeRemains(m_settings.folder());
-    return true;
+    return jobs.state();
 }
 
 ArchiveStatus ArchiveRun::runWithFolder(const QString& folder)
 {
     ArchiveHistory before(m_settings);
     if (!before.read()) {
+        return ArchiveMessages::sayCannotRead(m_settings.report);
+    }
+    if (!before.reportUntold()) {
         return ArchiveMessages::sayCannotWrite(m_settings.report);
     }
     RunRecords records(before, m_settings.isTrial());
@@ -119,7 +124,7 @@ ArchiveStatus ArchiveRun::runWithFolder(const QString& folder)
     if (status != ARCHIVE_DONE) {
         return status;
     }
-    if (!finishReport(survey.documents(), records)) {
+    if (!finishReport(survey.documents(), records, before)) {
         return ArchiveMessages::sayCannotWrite(m_settings.report);
     }
     writeUtf8(records.summary().text() + QLatin1Char('\n'), std::cout);
@@ -148,18 +153,14 @@ bool ArchiveRun::report(const std::vector<DocumentRecord>& others, RunRecords& r
            ArchiveReport::append(m_settings.report, others);
 }
 
-bool ArchiveRun::finishReport(const std::vector<PlannedDocument>& documents,
-                              RunRecords& records) const
+bool ArchiveRun::finishReport(const std::vector<PlannedDocument>& documents, RunRecords& records,
+                              const ArchiveHistory& before) const
 {
     for (const PlannedDocument& document : records.untoldAmong(documents)) {
         records.take(brokenOff(document));
     }
-    if (m_settings.isTrial()) {
-        return true;
-    }
-    return ArchiveReport::replace(m_settings.report, records.all()) &&
-           (QFile::remove(m_settings.pendingReport()) ||
-            !QFile::exists(m_settings.pendingReport()));
+    return m_settings.isTrial() ||
+           (ArchiveReport::replace(m_settings.report, records.all()) && before.forgetPending());
 }
 
 bool ArchiveRun::writePage(const RunRecords& records) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/ArchiveCommandLine.h"
+#include "FileConverters/CoordinationWorkspaceSection/archive/files/ArchiveLock.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/report/RunRecords.h"
 
 #include <vector>
@@ -27,11 +28,12 @@ public:
 
 private:
     ArchiveStatus runAlone();
-    bool endFormerRun() const;
+    ArchiveLock::State endFormerRun() const;
     ArchiveStatus runWithFolder(const QString& folder);
     void tellWhatStandsInTheWay(const std::vector<PlannedDocument>& documents) const;
     bool report(const std::vector<DocumentRecord>& others, RunRecords& records) const;
-    bool finishReport(const std::vector<PlannedDocument>& documents, RunRecords& records) const;
+    bool finishReport(const std::vector<PlannedDocument>& documents, RunRecords& records,
+                      const ArchiveHistory& before) const;
     bool writePage(const RunRecords& records) const;
 
     ArchiveCommandLine m_commandLine;

@@ -21,6 +21,14 @@ constexpr int DONE = 0;
 constexpr int FAILED = 1;
 constexpr int WRONG_USAGE = 64;
 
+// For a reason, in errno, for which the run cannot go on.
+int stopRun(const char* what)
+{
+    std::cout << ArchivePlan::PROBLEM.constData() << what
+              << " cannot be written: " << std::strerror(errno) << std::endl;
+    return FAILED;
+}
+
 int fail(const std::string& problem)
 {
     std::cerr << "coordworkspace-archive-worker: " << problem << '\n';
@@ -60,6 +68,9 @@ int main(int argc, char** argv)
     std::optional<ArchiveLock> lock;
     if (!settings.isTrial()) {
         lock.emplace(settings.jobsLock(), ArchiveLock::TOGETHER);
+        if (lock->state() == ArchiveLock::FAILED) {
+            return stopRun("the lock of jobs");
+        }
         // The plan of a run that is over is gone, and another may be at work.
         if (lock->state() != ArchiveLock::HELD || !QFile::exists(plan)) {
             return fail("the run is over");
@@ -67,9 +78,7 @@ int main(int argc, char** argv)
     }
     const std::vector<DocumentRecord> records = convertBatch(settings, documents);
     if (records.empty()) {
-        std::cout << ArchivePlan::PROBLEM.constData()
-                  << "the report cannot be written: " << std::strerror(errno) << std::endl;
-        return FAILED;
+        return stopRun("the report");
     }
     for (const DocumentRecord& record : records) {
         std::cout << record.toLine().constData();

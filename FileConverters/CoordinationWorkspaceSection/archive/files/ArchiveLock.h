@@ -21,7 +21,7 @@ public:
     enum State { HELD, BUSY, FAILED };
 
     /**
-     * Does not wait.
+     * Does not wait. FAILED, with errno set, is a file that cannot be made, opened or locked.
      *
      * @param file  made when there is none, to be read and written by whom the user's mask lets,
      *              and left behind.

@@ -10,8 +10,8 @@ class QJsonValue;
 /** A file's bytes, as far as telling one from another takes. */
 struct FileIdentity
 {
-    qint64 size = 0;
-    QString sha256; ///< in lower-case hexadecimal (FIPS 180-4)
+    qint64 size = 0; ///< in bytes
+    QString sha256;  ///< in lower-case hexadecimal (FIPS 180-4)
 
     /** @return none when the file cannot be read. */
     static std::optional<FileIdentity> of(const QString& path);

@@ -34,9 +34,6 @@ public:
      * could not be packed. */
     std::optional<PlannedJob> pack(const std::vector<PlannedDocument>& documents);
 
-    /** The number of the parcel that was packed last; they count from 1. */
-    int count() const { return m_count; }
-
     /** A document of a parcel that nothing is told of yet; null when it has no such document. */
     const PlannedDocument* find(int parcel, const QString& path) const;
 

@@ -50,11 +50,8 @@ MachinesRound::~MachinesRound()
     }
 }
 
-bool MachinesRound::start(const std::vector<PlannedDocument>& documents, const QString& loginFile,
-                          int jobs)
+bool MachinesRound::pack(const std::vector<PlannedDocument>& documents, const QString& loginFile)
 {
-    std::vector<PlannedJob> planned;
-    MachineJobs machines{loginFile, jobs, SSH_LOG, 0};
     // Since the run began the file may be gone, or name none any more.
     const int count = std::max(1, LoginFile::read(loginFile).machines);
     for (const ArchiveSchedule::Job& job : ArchiveSchedule::parcelsOf(documents, count)) {
@@ -62,11 +59,16 @@ bool MachinesRound::start(const std::vector<PlannedDocument>& documents, const Q
         if (!packed) {
             return false;
         }
-        planned.push_back(*packed);
-        machines.seconds = std::max(machines.seconds, secondsFor(job, m_settings));
+        m_packed.push_back(*packed);
+        m_seconds = std::max(m_seconds, secondsFor(job, m_settings));
     }
-    return QDir().mkpath(m_parallelFolder) &&
-           m_parallel.startParcels(m_parcels.folder(), planned, machines);
+    return QDir().mkpath(m_parallelFolder);
+}
+
+bool MachinesRound::start(const QString& loginFile, int jobs)
+{
+    return m_parallel.startParcels(m_parcels.folder(), m_packed,
+                                   {loginFile, jobs, SSH_LOG, m_seconds});
 }
 
 bool MachinesRound::isOver() const

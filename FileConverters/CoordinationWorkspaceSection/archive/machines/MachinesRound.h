@@ -32,12 +32,19 @@ public:
     ~MachinesRound();
 
     /**
-     * Hands out documents.
+     * Packs documents for the machines of a file.
+     *
+     * @return false, with errno set, when that failed.
+     */
+    bool pack(const std::vector<PlannedDocument>& documents, const QString& loginFile);
+
+    /**
+     * Hands out what was packed.
      *
      * @param jobs  on each machine at the same time; 0 for what the file or the machine tells.
-     * @return false, with errno set, when they could not be packed or Parallel not be started.
+     * @return false when Parallel cannot be started.
      */
-    bool start(const std::vector<PlannedDocument>& documents, const QString& loginFile, int jobs);
+    bool start(const QString& loginFile, int jobs);
 
     /**
      * Waits for what the machines tell, for a while at most, and takes it in.
@@ -49,7 +56,10 @@ public:
     /** Whether nothing is to come any more. */
     bool isOver() const;
 
-    /** What machines, and what connects to them, complain of; each sentence once in a round. */
+    /**
+     * What machines, and what connects to them, complain of; each sentence once in a round, and no
+     * more than a hundred.
+     */
     QStringList takeComplaints();
 
     /** Documents of which a machine has told, and that are better converted here. */
@@ -65,6 +75,8 @@ private:
     ArchiveParcels m_parcels;
     const QString m_parallelFolder;
     ParallelProcess m_parallel;
+    std::vector<PlannedJob> m_packed;
+    qint64 m_seconds = 0; // that the longest job may take
     // By parcel and path, not taken in yet.
     std::map<int, std::map<QString, ReturnedDocument>> m_returned;
     QSet<QString> m_forHere;

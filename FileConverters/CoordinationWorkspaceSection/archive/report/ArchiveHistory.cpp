@@ -6,32 +6,60 @@
 #include <QFile>
 #include <QFileInfo>
 
-bool ArchiveHistory::read()
+namespace {
+
+// A link is somebody else's, whatever it leads to.
+bool isAsWritten(const QString& target, const std::optional<FileIdentity>& written)
 {
-    m_records = ArchiveReport::read(m_settings.report);
-    const std::vector<DocumentRecord> untold = standingUntold();
-    for (const DocumentRecord& record : untold) {
-        m_records.insert(record.path, record);
-    }
-    if (m_settings.isTrial()) {
-        return true;
-    }
-    return (untold.empty() || ArchiveReport::append(m_settings.report, untold)) &&
-           (QFile::remove(m_settings.pendingReport()) ||
-            !QFile::exists(m_settings.pendingReport()));
+    const QFileInfo standing(target);
+    return written && !standing.isSymLink() && standing.size() == written->size &&
+           FileIdentity::of(target) == written;
 }
 
-std::vector<DocumentRecord> ArchiveHistory::standingUntold() const
+} // namespace
+
+bool ArchiveHistory::read()
+{
+    const auto reported = ArchiveReport::read(m_settings.report);
+    if (!reported) {
+        return false;
+    }
+    const auto pending = ArchiveReport::read(m_settings.pendingReport());
+    if (!pending) {
+        return false;
+    }
+    m_records = *reported;
+    m_untold = standingUntold(*pending);
+    for (const DocumentRecord& record : m_untold) {
+        m_records.insert(record.path, record);
+    }
+    return true;
+}
+
+bool ArchiveHistory::reportUntold() const
+{
+    return m_settings.isTrial() ||
+           ((m_untold.empty() || ArchiveReport::append(m_settings.report, m_untold)) &&
+            forgetPending());
+}
+
+bool ArchiveHistory::forgetPending() const
+{
+    return QFile::remove(m_settings.pendingReport()) || !QFile::exists(m_settings.pendingReport());
+}
+
+std::vector<DocumentRecord>
+ArchiveHistory::standingUntold(const ArchiveReport::Records& pending) const
 {
     std::vector<DocumentRecord> standing;
-    for (const DocumentRecord& record : ArchiveReport::read(m_settings.pendingReport())) {
+    for (const DocumentRecord& record : pending) {
         const DocumentRecord* const told = find(record.path);
         if (told != nullptr && told->tellsTheSameAs(record)) {
             continue;
         }
         const QString target = m_settings.targetOf(record.path);
         const QString folder = QFileInfo(target).absolutePath();
-        if (FileIdentity::of(target) == record.target &&
+        if (isAsWritten(target, record.target) &&
             (m_settings.isTrial() || StableStorage::syncFolders(folder, m_settings.target))) {
             standing.push_back(record);
         }
@@ -52,9 +80,7 @@ std::optional<FileIdentity> ArchiveHistory::standingTarget(const QString& path) 
         return std::nullopt;
     }
     const std::optional<FileIdentity> written = known->target ? known->target : known->earlier;
-    const QString target = m_settings.targetOf(path);
-    const bool stands = written && QFileInfo(target).size() == written->size &&
-                        Paths::hasPlaceFor(m_settings.target, path) &&
-                        FileIdentity::of(target) == written;
+    const bool stands = Paths::hasPlaceFor(m_settings.target, path) &&
+                        isAsWritten(m_settings.targetOf(path), written);
     return stands ? written : std::nullopt;
 }

@@ -11,12 +11,26 @@ public:
     explicit ArchiveHistory(const ArchiveSettings& settings) : m_settings(settings) {}
 
     /**
-     * Reads the report, and what a killed process has written and did not come to report: that is
-     * reported now, unless in a trial. No job may be at work.
+     * Reads the report, and what a killed process has written and did not come to report. No job
+     * may be at work.
      *
-     * @return false, with errno set, when it could not be reported.
+     * @return false, with errno set, when a file of these is there and cannot be read.
      */
     bool read();
+
+    /**
+     * Reports what a killed process did not come to report, unless in a trial.
+     *
+     * @return false, with errno set, when that failed.
+     */
+    bool reportUntold() const;
+
+    /**
+     * Forgets what was told as pending, when all of it is reported.
+     *
+     * @return false, with errno set, when that failed.
+     */
+    bool forgetPending() const;
 
     /** What was told of a document last; null when nothing was. */
     const DocumentRecord* find(const QString& path) const;
@@ -27,8 +41,9 @@ public:
     const ArchiveReport::Records& records() const { return m_records; }
 
 private:
-    std::vector<DocumentRecord> standingUntold() const;
+    std::vector<DocumentRecord> standingUntold(const ArchiveReport::Records& pending) const;
 
     const ArchiveSettings& m_settings;
     ArchiveReport::Records m_records;
+    std::vector<DocumentRecord> m_untold;
 };

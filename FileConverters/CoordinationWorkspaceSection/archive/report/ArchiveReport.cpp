@@ -54,18 +54,23 @@ bool write(const QString& file, const ArchiveReport::Records& records)
 
 } // namespace
 
-ArchiveReport::Records ArchiveReport::read(const QString& file)
+std::optional<ArchiveReport::Records> ArchiveReport::read(const QString& file)
 {
     Records records;
     QFile report(file);
-    if (report.open(QIODevice::ReadOnly)) {
-        while (!report.atEnd()) {
-            if (const auto record = DocumentRecord::fromLine(report.readLine())) {
-                records.insert(record->path, *record);
-            }
+    if (!QFileInfo(file).isFile()) {
+        return records;
+    }
+    if (!report.open(QIODevice::ReadOnly)) {
+        return std::nullopt;
+    }
+    // Not until atEnd(): by a file's size it is never reached where reading fails.
+    for (QByteArray line = report.readLine(); !line.isEmpty(); line = report.readLine()) {
+        if (const auto record = DocumentRecord::fromLine(line)) {
+            records.insert(record->path, *record);
         }
     }
-    return records;
+    return report.error() == QFileDevice::NoError ? std::optional(records) : std::nullopt;
 }
 
 bool ArchiveReport::mayStandIn(const QString& file)
@@ -73,7 +78,7 @@ bool ArchiveReport::mayStandIn(const QString& file)
     const QFileInfo info(file);
     QFile report(file);
     if (!info.exists()) {
-        return QFileInfo(info.absolutePath()).isDir();
+        return true;
     }
     if (!info.isFile() || !report.open(QIODevice::ReadOnly)) {
         return false;

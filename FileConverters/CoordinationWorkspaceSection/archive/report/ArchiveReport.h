@@ -4,6 +4,7 @@
 
 #include <QMap>
 
+#include <optional>
 #include <vector>
 
 /**
@@ -16,10 +17,10 @@ namespace ArchiveReport {
 
 using Records = QMap<QString, DocumentRecord>; // by path
 
-/** The records of a file; none when there is no such file. */
-Records read(const QString& file);
+/** The records of a file, or of none; nothing, with errno set, when it cannot be read. */
+std::optional<Records> read(const QString& file);
 
-/** Whether the file is a report, empty, or absent from a folder that stands. */
+/** Whether the file is a report, empty, or absent. */
 bool mayStandIn(const QString& file);
 
 /**

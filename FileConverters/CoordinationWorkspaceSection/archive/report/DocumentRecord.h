@@ -43,7 +43,7 @@ struct DocumentRecord
     /** Those whose spacings change; none where it was not found out, as in older reports. */
     std::optional<QVector<ChangedSystem>> systems;
     bool isVerified = false; ///< the target was compared with the source by a reading of its own
-    double seconds = 0;
+    double seconds = 0;      ///< of wall time, from its hash to its output, before that is synced
 
     /** One line of a report: a JSON object (RFC 8259) in UTF-8, with a line feed at its end. */
     QByteArray toLine() const;

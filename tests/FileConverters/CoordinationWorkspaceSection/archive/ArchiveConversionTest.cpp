@@ -23,6 +23,8 @@ private slots:
     void aProblemEndsTheRun();
     void anotherParallelIsToldApart_data();
     void anotherParallelIsToldApart();
+    void aParallelThatCannotBeStartedIsToldAsSuch_data();
+    void aParallelThatCannotBeStartedIsToldAsSuch();
     void jobsAreAsManyAsAskedFor_data();
     void jobsAreAsManyAsAskedFor();
     void whatRunsLeaveIsRemoved();
@@ -126,7 +128,7 @@ void ArchiveConversionTest::whatStandsUntoldIsTakenAsPending()
     RunRecords records(before, false);
     QCOMPARE(convert(records), ARCHIVE_DONE);
     QCOMPARE(records.all().keys(), QStringList({"a.xml"}));
-    QVERIFY(ArchiveReport::read(m_line.settings.report).contains("a.xml"));
+    QVERIFY(ArchiveReport::read(m_line.settings.report)->contains("a.xml"));
 }
 
 void ArchiveConversionTest::aProblemEndsTheRun()
@@ -169,6 +171,31 @@ void ArchiveConversionTest::anotherParallelIsToldApart()
     const CapturedStream errors(std::cerr);
     QCOMPARE(int(convert(records)), status);
     QCOMPARE(errors.bytes().isEmpty(), status == ARCHIVE_DONE);
+}
+
+void ArchiveConversionTest::aParallelThatCannotBeStartedIsToldAsSuch_data()
+{
+    QTest::addColumn<QByteArray>("machines");
+    QTest::newRow("here") << QByteArray();
+    QTest::newRow("for other machines") << QByteArray("one\n");
+}
+
+void ArchiveConversionTest::aParallelThatCannotBeStartedIsToldAsSuch()
+{
+    QFETCH(QByteArray, machines);
+    if (!machines.isEmpty()) {
+        m_folder->write("machines", machines);
+        m_line.machines = path("machines");
+    }
+    m_folder->write("source/a.xml", "<before/>");
+    m_folder->write("source/b.xml", "<before/>");
+    qputenv("PATH", QFile::encodeName(m_folder->path())); // there is none
+    const ArchiveHistory before(m_line.settings);
+    RunRecords records(before, false);
+    const CapturedStream errors(std::cerr);
+    QCOMPARE(convert(records), ARCHIVE_UNAVAILABLE);
+    QCOMPARE(errors.bytes(),
+             QByteArray("coordworkspace-convert-archive: GNU Parallel cannot be started\n"));
 }
 
 void ArchiveConversionTest::jobsAreAsManyAsAskedFor_data()

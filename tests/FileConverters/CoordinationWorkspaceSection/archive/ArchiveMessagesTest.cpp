@@ -15,7 +15,7 @@ class ArchiveMessagesTest : public QObject
 private slots:
     void aMessageIsALine_data();
     void aMessageIsALine();
-    void whatCannotBeWrittenIsToldWithItsReason();
+    void whatFailsIsToldWithItsReason();
     void aStopIsTold();
 };
 
@@ -40,15 +40,16 @@ void ArchiveMessagesTest::aMessageIsALine()
     QCOMPARE(errors.bytes(), "coordworkspace-convert-archive: " + line + '\n');
 }
 
-void ArchiveMessagesTest::whatCannotBeWrittenIsToldWithItsReason()
+void ArchiveMessagesTest::whatFailsIsToldWithItsReason()
 {
     const CapturedStream errors(std::cerr);
     errno = ENOSPC;
     QCOMPARE(ArchiveMessages::sayCannotWrite("the report"), ARCHIVE_NOT_WRITTEN);
-    QCOMPARE(errors.bytes(),
-             QByteArray("coordworkspace-convert-archive: the report cannot be written: ")
-                 .append(std::strerror(ENOSPC))
-                 .append('\n'));
+    errno = EIO;
+    QCOMPARE(ArchiveMessages::sayCannotRead("the report"), ARCHIVE_NOT_WRITTEN);
+    const QByteArray begin = "coordworkspace-convert-archive: the report cannot be ";
+    QCOMPARE(errors.bytes(), begin + "written: " + QByteArray(std::strerror(ENOSPC)) + '\n' +
+                                 begin + "read: " + QByteArray(std::strerror(EIO)) + '\n');
 }
 
 void ArchiveMessagesTest::aStopIsTold()

@@ -66,7 +66,6 @@ void ArchiveParcelsTest::aParcelHoldsThePlanAndLinksToTheDocuments()
     ArchiveParcels parcels(m_settings, path("parcels"));
     QVERIFY(parcels.pack({document("a.xml")}));
     QVERIFY(parcels.pack({document("sub/b c.xml")}));
-    QCOMPARE(parcels.count(), 2);
     QCOMPARE(QFile::symLinkTarget(path("parcels/1/in/a.xml")), path("source/a.xml"));
     QCOMPARE(QFile::symLinkTarget(path("parcels/2/in/sub/b c.xml")), path("source/sub/b c.xml"));
     QVERIFY(QFileInfo(path("parcels/1/out")).isDir());

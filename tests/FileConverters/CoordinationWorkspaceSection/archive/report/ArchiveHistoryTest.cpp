@@ -18,6 +18,8 @@ private slots:
     void whatStandsUntoldIsToldNow();
     void whatIsToldAlreadyIsNotToldAgain();
     void whatDoesNotStandIsNotTold();
+    void whatSomebodyHasPutInItsPlaceDoesNotStand();
+    void aReportThatCannotBeReadIsAFailure();
     void aTrialKnowsWhatStandsAndTellsNothing();
     void whatCannotBeToldIsAFailure();
 
@@ -67,6 +69,7 @@ void ArchiveHistoryTest::whatStandsUntoldIsToldNow()
     QVERIFY(ArchiveReport::append(m_settings.pendingReport(), {record}));
     ArchiveHistory history(m_settings);
     QVERIFY(history.read());
+    QVERIFY(history.reportUntold());
     QVERIFY(history.find(record.path)->tellsTheSameAs(record));
     QCOMPARE(history.standingTarget(record.path), record.target);
     QCOMPARE(report(), record.toLine());
@@ -82,6 +85,7 @@ void ArchiveHistoryTest::whatIsToldAlreadyIsNotToldAgain()
     QVERIFY(ArchiveReport::append(m_settings.pendingReport(), {record}));
     ArchiveHistory history(m_settings);
     QVERIFY(history.read());
+    QVERIFY(history.reportUntold());
     QCOMPARE(history.records().size(), 1);
     QCOMPARE(report(), before);
     QVERIFY(!isPending());
@@ -97,10 +101,36 @@ void ArchiveHistoryTest::whatDoesNotStandIsNotTold()
     QVERIFY(ArchiveReport::append(m_settings.pendingReport(), {gone, other, whole}));
     ArchiveHistory history(m_settings);
     QVERIFY(history.read());
+    QVERIFY(history.reportUntold());
     QVERIFY(history.find(gone.path) == nullptr);
     QVERIFY(history.find(other.path) == nullptr);
     QCOMPARE(report(), whole.toLine());
     QVERIFY(!isPending());
+}
+
+void ArchiveHistoryTest::whatSomebodyHasPutInItsPlaceDoesNotStand()
+{
+    const DocumentRecord told = standing(QStringLiteral("told.xml"));
+    const DocumentRecord untold = standing(QStringLiteral("untold.xml"));
+    QVERIFY(ArchiveReport::append(m_settings.report, {told}));
+    QVERIFY(ArchiveReport::append(m_settings.pendingReport(), {untold}));
+    for (const QString& path : {told.path, untold.path}) {
+        // The same bytes, moved away, with a link to them.
+        const QString target = m_settings.targetOf(path);
+        QVERIFY(QFile::rename(target, target + ".mine") && QFile::link(target + ".mine", target));
+    }
+    ArchiveHistory history(m_settings);
+    QVERIFY(history.read());
+    QVERIFY(!history.standingTarget(told.path));
+    QVERIFY(history.find(untold.path) == nullptr);
+}
+
+void ArchiveHistoryTest::aReportThatCannotBeReadIsAFailure()
+{
+    m_settings.report = QStringLiteral("/proc/self/mem"); // where each read fails
+    ArchiveHistory history(m_settings);
+    QVERIFY(!history.read());
+    QCOMPARE(errno, EIO);
 }
 
 void ArchiveHistoryTest::aTrialKnowsWhatStandsAndTellsNothing()
@@ -110,6 +140,7 @@ void ArchiveHistoryTest::aTrialKnowsWhatStandsAndTellsNothing()
     m_settings.staging = QStringLiteral("/nowhere");
     ArchiveHistory history(m_settings);
     QVERIFY(history.read());
+    QVERIFY(history.reportUntold());
     QCOMPARE(history.standingTarget(record.path), record.target);
     QVERIFY(!QFile::exists(m_settings.report));
     QVERIFY(isPending());
@@ -121,7 +152,8 @@ void ArchiveHistoryTest::whatCannotBeToldIsAFailure()
     QVERIFY(ArchiveReport::append(m_settings.pendingReport(), {record}));
     QVERIFY(QDir().mkpath(m_settings.report)); // a folder, which takes no lines
     ArchiveHistory history(m_settings);
-    QVERIFY(!history.read());
+    QVERIFY(history.read());
+    QVERIFY(!history.reportUntold());
     QCOMPARE(errno, EISDIR);
     QVERIFY(isPending()); // for the next run
 }

@@ -37,6 +37,8 @@ private slots:
     void linesAreAddedBehindOneThatWasCutOff();
     void aReportStandsInNothingElsesPlace_data();
     void aReportStandsInNothingElsesPlace();
+    void aReportThatIsNotThereHasNoRecords();
+    void aReportThatCannotBeReadIsNoEmptyOne();
 
 private:
     QString file() const { return m_folder->filePath(QStringLiteral("report.jsonl")); }
@@ -62,7 +64,7 @@ DocumentRecord ArchiveReportTest::record(const QString& path)
 void ArchiveReportTest::aReportIsReplacedByOneLineADocument()
 {
     QVERIFY(ArchiveReport::append(file(), {record("b"), record("a"), record("b")}));
-    ArchiveReport::Records records = ArchiveReport::read(file());
+    const ArchiveReport::Records records = ArchiveReport::read(file()).value();
     QCOMPARE(records.keys(), QStringList({"a", "b"}));
     QVERIFY(ArchiveReport::replace(file(), records));
     QCOMPARE(bytes(), record("a").toLine() + record("b").toLine());
@@ -146,7 +148,7 @@ void ArchiveReportTest::linesAreAddedBehindOneThatWasCutOff()
     report.close();
     QVERIFY(ArchiveReport::append(file(), {record("b")}));
     QCOMPARE(bytes(), before + between + record("b").toLine());
-    QTEST(QStringList(ArchiveReport::read(file()).keys()), "paths");
+    QTEST(QStringList(ArchiveReport::read(file()).value().keys()), "paths");
 }
 
 void ArchiveReportTest::aReportStandsInNothingElsesPlace_data()
@@ -167,12 +169,24 @@ void ArchiveReportTest::aReportStandsInNothingElsesPlace()
 {
     QFETCH(QByteArray, content);
     QVERIFY(ArchiveReport::mayStandIn(file()));
-    QVERIFY(!ArchiveReport::mayStandIn(m_folder->filePath("none/report.jsonl")));
     QVERIFY(!ArchiveReport::mayStandIn(m_folder->path()));
     QFile report(file());
     QVERIFY(report.open(QIODevice::WriteOnly) && report.write(content) == content.size());
     report.close();
     QTEST(ArchiveReport::mayStandIn(file()), "may");
+}
+
+void ArchiveReportTest::aReportThatIsNotThereHasNoRecords()
+{
+    QVERIFY(ArchiveReport::read(file()).value().isEmpty());
+    QVERIFY(ArchiveReport::read(m_folder->filePath("none/report.jsonl")).value().isEmpty());
+}
+
+// As on a broken disk: it opens, has a size or none, and each read fails.
+void ArchiveReportTest::aReportThatCannotBeReadIsNoEmptyOne()
+{
+    QVERIFY(!ArchiveReport::read("/proc/self/mem"));
+    QCOMPARE(errno, EIO);
 }
 
 QTEST_GUILESS_MAIN(ArchiveReportTest)
