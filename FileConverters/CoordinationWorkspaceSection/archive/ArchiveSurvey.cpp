@@ -82,7 +82,9 @@ void ArchiveSurvey::takeGone(const std::vector<ArchiveEntry>& entries, RunRecord
         paths.insert(entry.path);
     }
     for (const DocumentRecord& record : m_before.records()) {
-        if ((record.target || record.earlier) && paths.count(record.path) == 0) {
+        const QFileInfo target(m_settings.targetOf(record.path));
+        const bool isKept = target.exists() || target.isSymLink();
+        if ((record.target || record.earlier) && isKept && paths.count(record.path) == 0) {
             records.takeGone(record);
         }
     }

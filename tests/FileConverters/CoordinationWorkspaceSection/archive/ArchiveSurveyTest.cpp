@@ -241,6 +241,15 @@ void ArchiveSurveyTest::whatIsGoneIsTold_data()
         << true;
     QTest::newRow("never written")
         << Change([](auto&, DocumentRecord& record) { record.target.reset(); }) << false;
+    QTest::newRow("written, and gone as well") << Change([](ArchiveCommandLine& line, auto&) {
+        QFile::remove(line.settings.targetOf("a.xml"));
+    }) << false;
+    QTest::newRow("written, and a link that leads nowhere now")
+        << Change([](ArchiveCommandLine& line, auto&) {
+               QFile::remove(line.settings.targetOf("a.xml"));
+               QFile::link("/no/file", line.settings.targetOf("a.xml"));
+           })
+        << true;
 }
 
 void ArchiveSurveyTest::whatIsGoneIsTold()
