@@ -98,8 +98,10 @@ void ArchivePage::countAll()
     for (const DocumentRecord& record : m_content.records) {
         const ArchivePageRow row(record, m_content.gone.contains(record.path));
         ++m_counts[static_cast<std::size_t>(row.kind())];
-        m_bytesBefore += record.source ? record.source->size : 0;
-        m_bytesAfter += record.target ? record.target->size : 0;
+        if (row.kind() != ArchivePageRow::GONE) {
+            m_bytesBefore += record.source ? record.source->size : 0;
+            m_bytesAfter += record.target ? record.target->size : 0;
+        }
         m_losses += row.lossCount();
         m_systems += record.systems ? record.systems->size() : 0;
         m_verified += record.isVerified ? 1 : 0;
@@ -139,8 +141,8 @@ void ArchivePage::addFacts()
         fact("Converted into", "<bdi>" + HtmlText::escaped(m_content.target) + "</bdi>") +
         fact("Ended", timeOf(m_content.ended)) +
         fact("Program", "coordworkspace-convert-archive " + HtmlText::escaped(m_content.version)) +
-        fact("Bytes read", ArchivePageRow::number(m_bytesBefore)) +
-        fact("Bytes written", ArchivePageRow::number(m_bytesAfter)) +
+        fact("Bytes of documents", ArchivePageRow::number(m_bytesBefore)) +
+        fact("Bytes of their outputs", ArchivePageRow::number(m_bytesAfter)) +
         fact("Losses", ArchivePageRow::number(m_losses)) +
         fact("Systems whose spacings change", ArchivePageRow::number(m_systems)) +
         fact("Outputs verified", ArchivePageRow::number(m_verified)) + "</dl>\n</section>\n";

@@ -278,8 +278,13 @@ void ArchivePageTest::filesThatAreNoDocumentsAndGoneOnesAreToldApart()
     ArchivePageContent content =
         contentOf({recordOf("a.wav", DocumentRecord::REFUSED, "no-workspace"),
                    recordOf("b.xml", DocumentRecord::CURRENT)});
+    content.records["a.wav"].source = FileIdentity{10, {}};
+    content.records["b.xml"].source = FileIdentity{200, {}};
+    content.records["b.xml"].target = FileIdentity{3000, {}};
     content.gone = {QStringLiteral("b.xml")};
-    const QList<QStringList> files = filesOf(treeOf(pageOf(content)));
+    const QDomElement tree = treeOf(pageOf(content));
+    QCOMPARE(textsOf(elements(tree, "dd")).mid(4, 2), QStringList({"10", "0"})); // bytes
+    const QList<QStringList> files = filesOf(tree);
     QCOMPARE(files[0][1], QStringLiteral("no document"));
     QCOMPARE(files[1][1], QStringLiteral("gone"));
     QVERIFY(files[1][2].contains(QStringLiteral("in the archive no more")));
