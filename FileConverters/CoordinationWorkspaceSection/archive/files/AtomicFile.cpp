@@ -118,7 +118,7 @@ bool AtomicFile::finish()
 bool AtomicFile::commit(bool mayReplace)
 {
     const QByteArray from = QFile::encodeName(m_partPath);
-    const QByteArray to = QFile::encodeName(path());
+    const QByteArray to = QFile::encodeName(m_folder + QLatin1Char('/') + m_name);
     const bool isRenamed =
         mayReplace ? rename(from.constData(), to.constData()) == 0 : renameUnlessItExists(from, to);
     if (isRenamed) {

@@ -32,9 +32,6 @@ public:
     /** Where its bytes are written meanwhile. */
     const QString& partPath() const { return m_partPath; }
 
-    /** Where it will stand. */
-    QString path() const { return m_folder + QLatin1Char('/') + m_name; }
-
     const QString& folder() const { return m_folder; }
 
     /**
