@@ -177,6 +177,23 @@ class Documents(ArchiveTest):
              "\ufffdEF\ufffdBB\ufffdBFa.xml"),
             ("refused", "name-not-utf8")))
 
+    def test_paths_that_are_no_utf8_are_refused(self):
+        self.archive.add("a.xml", CLEAN)
+        folder = os.fsencode(self.folder)
+        strange = os.path.join(folder, b"caf\xe9")
+        os.mkdir(strange)
+        os.symlink(b"caf\xe9", os.path.join(folder, b"link"))
+        program, *_, source, target = map(os.fsencode, self.archive.arguments())
+        for arguments in ((strange, target), (source, strange),
+                          (source, target, b"--report=" + strange),
+                          (folder + b"/link", target), (source, folder + b"/link"),
+                          (source, target, b"--html=" + folder + b"/link/page.html")):
+            with self.subTest(arguments):
+                run = subprocess.run([program, *arguments], capture_output=True, timeout=60)
+                self.assertEqual((run.returncode, run.stdout), (USAGE, b""))
+                self.assertIn(b"not UTF-8", run.stderr)
+        self.assertEqual((os.listdir(strange), self.archive.targets()), ([], {}))
+
     def test_folders_with_odd_names(self):
         odd = Archive(tempfile.mkdtemp(prefix="a 'b' $x\n", dir=self.folder),
                       self.archive.program, self.archive.options)
@@ -705,6 +722,18 @@ class TakingUp(ArchiveTest):
     def is_locked(self):
         return is_locked(self.archive.target)
 
+    def test_a_lock_that_cannot_be_taken_is_no_other_run(self):
+        self.archive.add("a.xml", CLEAN)
+        for name in ("lock", "jobs"):
+            with self.subTest(name):
+                lock = self.archive.target / ".coordworkspace" / name
+                lock.mkdir(parents=True)
+                run = self.run_archive(NOT_WRITTEN)
+                self.assertIn(f"{lock} cannot be written: Is a directory".encode(), run.stderr)
+                self.assertEqual((run.stdout, self.archive.targets()), (b"", {}))
+                lock.rmdir()
+        self.run_archive(DONE)
+
     def test_jobs_of_a_killed_run_keep_the_next_one_out(self):
         slow_programs(self)
         for number in range(4):
@@ -923,11 +952,24 @@ class HostileDocuments(ArchiveTest):
                       "-e inject=fsync:error=EIO:when=1"):  # the document's
             with self.subTest(rules):
                 test = self.another()
-                test.trace_worker(rules.replace(str(folder), str(test.archive.target)))
+                test.trace_worker(rules.replace(str(folder), str(test.archive.target)),
+                                  only_once=True)
                 test.archive.add("a.xml", CLEAN)
-                test.run_archive(FAILED)
+                test.run_archive(FAILED, "--verify")
                 self.assertEqual(test.archive.outcomes(), {"a.xml": ("failed", "not-written")})
                 self.assertIn("Input/output error", test.archive.records()["a.xml"]["text"])
+                self.assertFalse(test.archive.records()["a.xml"]["verified"])
+                # What stands by now is the run's own, and no stranger's in the way.
+                run = test.run_archive(DONE, "--verify")
+                self.assertEqual(run.stderr, b"")
+                self.assertEqual(test.archive.outcomes(), {"a.xml": ("converted", None)})
+
+    def test_a_report_that_cannot_be_read_is_no_empty_one(self):
+        self.archive.add("a.xml", CLEAN)
+        for options in ((), ("--dry-run",)):
+            run = self.run_archive(NOT_WRITTEN, "--report=/proc/self/mem", *options)
+            self.assertIn(b"cannot be read: Input/output error", run.stderr)
+            self.assertEqual((run.stdout, self.archive.targets()), (b"", {}))
 
     def test_a_copy_that_finds_no_room(self):
         current = converted(CLEAN).replace(b"</coordinated_data_root>",
@@ -1165,8 +1207,9 @@ class Mishaps(ArchiveTest):
     def test_a_target_that_comes_while_its_document_is_converted(self):
         target = self.archive.target / "a.xml"
         self.run_with_converter(
-            REFUSED, f"printf mine > '{target}'; exec '{PROGRAMS / CONVERTER}' \"$1\"")
+            REFUSED, f"printf mine > '{target}'; exec '{PROGRAMS / CONVERTER}' \"$1\"", "--verify")
         self.assert_left("refused", "target-exists", {"a.xml": b"mine"})
+        self.assertFalse(self.archive.records()["a.xml"]["verified"])
 
     def test_a_folder_that_comes_in_a_targets_place(self):
         self.archive.add("a.xml", CLEAN)
