@@ -7,6 +7,8 @@ A mistake that the tests let pass is either shown to be none in no_mistakes.txt,
 calls for a test. Ends with status 1 when fewer than 95 of 100 mistakes were caught, or one that
 passed is not explained.
 
+Mistakes are made in sources; what headers decide is little, and not tried.
+
 Works on copies below FOLDER (build/mutation), one for each job; the project's own files stay as
 they are. Mistakes that the compiler refuses are replaced by others.
 """

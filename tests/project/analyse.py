@@ -17,14 +17,13 @@ import sys
 
 
 def analysed(entry, options):
-    """What the compiler says of one source."""
+    """What the compiler says of one source; None when it finds nothing."""
     words = shlex.split(entry["command"])
     words = words[: words.index("-o")]
     words = [word for word in words if not word.startswith("-flto") and word != "-ffat-lto-objects"]
     words += ["-O1", "-fanalyzer", "-Werror", "-fdiagnostics-path-format=none", *options, "-c", entry["file"], "-o", os.devnull]
-    return subprocess.run(
-        words, cwd=entry["directory"], stderr=subprocess.PIPE, check=False, text=True
-    ).stderr
+    run = subprocess.run(words, cwd=entry["directory"], stderr=subprocess.PIPE, check=False, text=True)
+    return f"{entry['file']}: {run.stderr}" if run.stderr or run.returncode != 0 else None
 
 
 def main():
@@ -34,8 +33,9 @@ def main():
     found = False
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         for text in pool.map(lambda entry: analysed(entry, options), entries):
-            found = found or bool(text)
-            print(text, end="", flush=True)
+            if text:
+                found = True
+                print(text, flush=True)
     print(f"  {len(entries)} sources read")
     return 1 if found or not entries else 0
 

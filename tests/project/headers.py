@@ -31,13 +31,14 @@ def closest(header, entries):
 
 
 def complaints(header, entry):
-    """What the compiler says of one header."""
+    """What the compiler says of one header; None when it takes it."""
     words = shlex.split(entry["command"])
     words = words[: words.index("-o")] + ["-fsyntax-only", "-x", "c++", "-"]
-    return subprocess.run(
+    run = subprocess.run(
         words, cwd=entry["directory"], input=f'#include "{header}"\n' * 2, text=True,
         stderr=subprocess.PIPE, check=False,
-    ).stderr  # fmt: skip
+    )  # fmt: skip
+    return f"{header}: {run.stderr}" if run.stderr or run.returncode != 0 else None
 
 
 def main():
@@ -46,7 +47,7 @@ def main():
     found = headers()
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         told = list(pool.map(lambda header: complaints(header, closest(header, entries)), found))
-    print(*filter(None, told), sep="\n", end="")
+    print(*filter(None, told), sep="\n")
     print(f"{len(found)} headers compiled by themselves")
     return 1 if any(told) or not found else 0
 
