@@ -1165,6 +1165,51 @@ class Streams(ArchiveTest):
         run = self.archive.run()
         self.assertEqual((run.returncode, run.stdout), (NOT_WRITTEN, b""))
 
+    def test_a_dry_run_without_a_folder_for_temporary_files(self):
+        self.archive.add("a.xml", CLEAN)
+        run = self.run_archive(NOT_WRITTEN, "--dry-run", env={**os.environ, "TMPDIR": "/dev/null"})
+        self.assertIn(b"the folder for temporary files cannot be written: ", run.stderr)
+        self.assertEqual((run.stdout, self.archive.target.exists()), (b"", False))
+        self.run_archive(DONE, "--dry-run")
+
+    def test_what_stands_in_the_place_of_a_runs_own_files(self):
+        part = ".coordworkspace-report.jsonl.part"
+        for name, put, told in (
+            ("lock", pathlib.Path.mkdir, ""),
+            ("parallel", pathlib.Path.touch, "parallel"),
+            ("pending.jsonl", pathlib.Path.mkdir, "report.jsonl"),
+            ("report.jsonl", pathlib.Path.mkdir, "report.jsonl"),
+            (part, pathlib.Path.mkdir, "report.jsonl"),
+        ):
+            with self.subTest(name):
+                test = self.another()
+                test.archive.add("a.xml", CLEAN)
+                test.run_archive(DONE)
+                test.archive.add("b.xml", CLEAN)
+                test.archive.add("notes.txt", "no XML")
+                test.check_that_nothing_is_lost(name, put, told)
+
+    def check_that_nothing_is_lost(self, name, put, told):
+        own = self.archive.target / ".coordworkspace"
+        place, aside = own / name, self.folder / "aside"
+        if place.exists():
+            place.rename(aside)
+        put(place)
+        run = self.archive.run()
+        self.assertEqual((run.returncode, run.stdout), (NOT_WRITTEN, b""))
+        self.assertIn(f"{PROGRAM}: {own / told} cannot be written: ", run.stderr.decode())
+        stands = {path: written(self.archive.target / path) for path in self.archive.targets()}
+        self.assertIn("a.xml", stands)
+        (shutil.rmtree if place.is_dir() else os.unlink)(place)
+        if aside.exists():
+            aside.rename(place)
+        self.run_archive(DONE)
+        self.assertEqual(self.archive.outcomes(), {
+            "a.xml": ("converted", None), "b.xml": ("converted", None),
+            "notes.txt": ("refused", "no-workspace")})
+        for path, before in stands.items():
+            self.assertEqual(written(self.archive.target / path), before)
+
     def test_the_users_parallel_and_shell_have_no_say(self):
         self.archive.add("a.xml", CLEAN)
         home = self.folder / "home"
