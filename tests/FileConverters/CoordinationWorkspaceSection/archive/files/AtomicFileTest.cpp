@@ -18,6 +18,7 @@ private slots:
     void itGoesWhenItIsNotCommitted();
     void anExistingFileIsKeptUnlessItMayBeReplaced();
     void itGetsTheOriginalsPermissionsAndTime();
+    void anOriginalThatIsNotThereGivesNothing();
     void aFolderThatIsNotThereTakesNone();
     void whatIsWrittenAloneTakesOverWhatWasLeft();
     void namesOfPartsAreKnown_data();
@@ -99,6 +100,16 @@ void AtomicFileTest::itGetsTheOriginalsPermissionsAndTime()
     QVERIFY(begun->commit(false));
     QCOMPARE(QFileInfo(path("file")).lastModified(), modified);
     QCOMPARE(QFile::permissions(path("file")), QFile::permissions(path("original")));
+}
+
+void AtomicFileTest::anOriginalThatIsNotThereGivesNothing()
+{
+    const auto begun = beginWith("new");
+    const auto before = QFile::permissions(begun->partPath());
+    errno = 0;
+    QVERIFY(!begun->finishLike(path("nowhere")));
+    QCOMPARE(errno, ENOENT);
+    QCOMPARE(QFile::permissions(begun->partPath()), before);
 }
 
 void AtomicFileTest::aFolderThatIsNotThereTakesNone()

@@ -82,6 +82,8 @@ void PathsTest::pathsAreRealAsFarAsTheyExist_data()
                                     << "/other";
     QTest::newRow("nothing there") << "/none/at/all"
                                    << "/none/at/all";
+    const QString tooLong = "/" + QString(300, 'x');
+    QTest::newRow("a name that no file system takes") << tooLong << tooLong;
 }
 
 void PathsTest::pathsAreRealAsFarAsTheyExist()

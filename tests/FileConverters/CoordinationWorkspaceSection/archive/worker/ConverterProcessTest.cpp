@@ -5,11 +5,47 @@
 #include <QtTest>
 
 #include <cerrno>
+#include <csignal>
 
+#include <dlfcn.h>
+#include <sched.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 
 Q_DECLARE_METATYPE(ConverterProcess::Outcome)
+
+namespace {
+
+bool hasProcessesLeft = true;
+bool hasKilledOthers = false;
+
+} // namespace
+
+// These stand in for the C library's in the whole program.
+
+extern "C" __attribute__((visibility("default"))) int clone(int (*fn)(void*), void* stack,
+                                                            int flags, void* arg, ...)
+{
+    if (!hasProcessesLeft) {
+        errno = EAGAIN;
+        return -1;
+    }
+    using Clone = int (*)(int (*)(void*), void*, int, void*, ...);
+    return reinterpret_cast<Clone>(dlsym(RTLD_NEXT, "clone"))(fn, stack, flags, arg);
+}
+
+// The number that stands for no process stands for every process when it is killed: a mistake must
+// not come that far.
+extern "C" __attribute__((visibility("default"))) int kill(pid_t pid, int sig) noexcept
+{
+    if (pid <= 0) {
+        hasKilledOthers = true;
+        errno = EPERM;
+        return -1;
+    }
+    using Kill = int (*)(pid_t, int);
+    return reinterpret_cast<Kill>(dlsym(RTLD_NEXT, "kill"))(pid, sig);
+}
 
 // Programs of the test's own stand in for the converter.
 class ConverterProcessTest : public QObject
@@ -30,6 +66,7 @@ private slots:
     void whatIsMissingIsNotStarted_data();
     void whatIsMissingIsNotStarted();
     void aProgramThatHasNoRoomBreaksOff();
+    void withoutAProcessNothingIsConverted();
     void noProcessIsLeftAndNoFileOpen();
 
 private:
@@ -151,6 +188,22 @@ void ConverterProcessTest::whatIsMissingIsNotStarted()
 void ConverterProcessTest::aProgramThatHasNoRoomBreaksOff()
 {
     QCOMPARE(run("exit 0", {4096, 0}), ConverterProcess::BROKE_OFF);
+}
+
+// An output that nobody wrote must not pass for a whole one.
+void ConverterProcessTest::withoutAProcessNothingIsConverted()
+{
+    const uint open = QDir("/proc/self/fd").count();
+
+    hasProcessesLeft = false;
+    const ConverterProcess::Outcome outcome = run("exit 0", {0, 60000});
+    hasProcessesLeft = true;
+
+    QVERIFY(!hasKilledOthers);
+    QVERIFY(outcome != ConverterProcess::CONVERTED);
+    QCOMPARE(QDir("/proc/self/fd").count(), open);
+    QCOMPARE(output(), QByteArray("what stood here before"));
+    QCOMPARE(run("exit 0"), ConverterProcess::CONVERTED);
 }
 
 void ConverterProcessTest::noProcessIsLeftAndNoFileOpen()

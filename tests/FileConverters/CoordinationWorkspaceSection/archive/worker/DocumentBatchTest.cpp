@@ -5,7 +5,33 @@
 
 #include <QtTest>
 
+#include <cerrno>
+
+#include <dlfcn.h>
+#include <pthread.h>
 #include <sys/stat.h>
+
+namespace {
+
+constexpr int PLENTY = 1000;
+
+int threadsLeft = PLENTY;
+
+} // namespace
+
+/** Stands in for the C library's in the whole program. */
+extern "C" __attribute__((visibility("default"))) int pthread_create(pthread_t* thread,
+                                                                     const pthread_attr_t* attr,
+                                                                     void* (*routine)(void*),
+                                                                     void* arg) noexcept
+{
+    if (threadsLeft == 0) {
+        return EAGAIN;
+    }
+    --threadsLeft;
+    using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+    return reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"))(thread, attr, routine, arg);
+}
 
 /** What came back from other machines; what is converted here is tested on the programs. */
 class DocumentBatchTest : public QObject
@@ -19,6 +45,8 @@ private slots:
     void whatIsNotAsToldStaysToBeDone();
     void aTrialTakesItsWord();
     void aFileFromAnotherFileSystemIsTakenIn();
+    void fewThreadsTakeInAsMuch_data();
+    void fewThreadsTakeInAsMuch();
     void whatStandsInItsPlaceByThenIsKept();
     void aReportThatCannotBeWrittenIsToldWithNothingLost();
 
@@ -128,6 +156,40 @@ void DocumentBatchTest::aFileFromAnotherFileSystemIsTakenIn()
     const auto records = acceptBatch(m_settings, {document});
     QVERIFY(records && records->size() == 1);
     QCOMPARE(m_folder->read("target/sub/a.xml"), QByteArray("after"));
+}
+
+void DocumentBatchTest::fewThreadsTakeInAsMuch_data()
+{
+    QTest::addColumn<int>("left");
+    QTest::newRow("none") << 0;
+    QTest::newRow("one") << 1;
+}
+
+void DocumentBatchTest::fewThreadsTakeInAsMuch()
+{
+    QFETCH(int, left);
+    std::vector<ReturnedDocument> documents;
+    for (const char* name : {"a.xml", "b.xml", "c.xml"}) {
+        ReturnedDocument document = returned();
+        document.document.path = document.told.path = name;
+        document.output = path("returned-") + name;
+        m_folder->write(QStringLiteral("source/") + name, "before");
+        QVERIFY(QFile::copy(path("returned"), document.output));
+        documents.push_back(document);
+    }
+
+    threadsLeft = left;
+    const auto records = acceptBatch(m_settings, documents);
+    const int stillLeft = threadsLeft;
+    threadsLeft = PLENTY;
+
+    QCOMPARE(stillLeft, 0);
+    QVERIFY(records);
+    QCOMPARE(records->size(), documents.size());
+    for (const DocumentRecord& record : *records) {
+        QCOMPARE(record.outcome, DocumentRecord::CONVERTED);
+        QCOMPARE(m_folder->read("target/" + record.path), QByteArray("after"));
+    }
 }
 
 void DocumentBatchTest::whatStandsInItsPlaceByThenIsKept()

@@ -2,6 +2,7 @@
 
 #include "FileConverters/CoordinationWorkspaceSection/archive/jobs/ArchiveSettings.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/processes/BoundedServer.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TestFolder.h"
 
 #include <QtTest>
@@ -9,11 +10,16 @@
 #include <QFile>
 
 #include <array>
+#include <cerrno>
+#include <cstring>
+#include <new>
+#include <optional>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 
 Q_DECLARE_METATYPE(DocumentRecord::Outcome)
+Q_DECLARE_METATYPE(std::optional<QByteArray>)
 Q_DECLARE_METATYPE(timespec)
 
 namespace {
@@ -44,6 +50,12 @@ QByteArray edited(const QByteArray& from, const QByteArray& to)
     return document.replace(from, to);
 }
 
+// It is copied rather than converted.
+QByteArray current()
+{
+    return edited("version=\"0.2\"", "version=\"0.3\"");
+}
+
 QString write(const TestFolder& folder, const QByteArray& document)
 {
     folder.write("document.xml", document);
@@ -62,6 +74,33 @@ DocumentRecord judged(const QString& path)
 QByteArray compared(const QString& before, const QString& after)
 {
     return DocumentJob::answerOfReader(before.toUtf8() + '\0' + after.toUtf8());
+}
+
+// The folder has the document, and gets what becomes of it.
+ArchiveSettings settingsFor(const TestFolder& folder)
+{
+    ArchiveSettings settings;
+    settings.source = folder.path("source");
+    settings.target = folder.path("target");
+    settings.memoryBytes = 0;
+    return settings;
+}
+
+QStringList namesIn(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System |
+                                  QDir::NoDotAndDotDot);
+}
+
+DocumentRecord worked(const ArchiveSettings& settings, const BoundedServer::Work& work)
+{
+    PlannedDocument document;
+    document.path = "document.xml";
+    BoundedServer reader(work);
+    DocumentJob job(settings, document, reader);
+    job.run();
+    job.commit();
+    return job.record();
 }
 
 void setTime(const QString& path, const timespec& time)
@@ -89,6 +128,13 @@ private slots:
     void readerCannotCompareWithWhatIsGone();
     void documentThatChangesWhileItIsReadIsNotWritten_data();
     void documentThatChangesWhileItIsReadIsNotWritten();
+    void documentThatIsNoLongerTheOneThatWasReadIsNotCopied_data();
+    void documentThatIsNoLongerTheOneThatWasReadIsNotCopied();
+    void documentThatIsGoneIsNotAskedFor();
+    void outputThatFindsNoPlaceIsToldOf();
+    void copyThatFindsNoRoomIsToldOf();
+    void outputThatLosesItsFileIsNotWritten();
+    void outputThatCannotBeVerifiedWithinItsLimitsIsNotWritten();
 };
 
 void DocumentJobTest::readerJudgesADocument_data()
@@ -237,30 +283,141 @@ void DocumentJobTest::documentThatChangesWhileItIsReadIsNotWritten()
     QFETCH(DocumentRecord::Outcome, outcome);
     QFETCH(QString, reason);
     const TestFolder folder;
-    folder.write("source/document.xml", edited("version=\"0.2\"", "version=\"0.3\""));
+    folder.write("source/document.xml", current());
     setTime(folder.path("source/document.xml"), BEFORE);
-    ArchiveSettings settings;
-    settings.source = folder.path("source");
-    settings.target = folder.path("target");
-    settings.memoryBytes = 0;
-    PlannedDocument document;
-    document.path = "document.xml";
-    BoundedServer reader([&](const QByteArray& request) {
+
+    const DocumentRecord record = worked(settingsFor(folder), [&](const QByteArray& request) {
         QByteArray answer = DocumentJob::answerOfReader(request);
         if (isRewritten) {
             folder.write("source/document.xml", "<other/>");
         }
-        setTime(settings.sourceOf(document.path), after);
+        setTime(folder.path("source/document.xml"), after);
         return answer;
     });
-    DocumentJob job(settings, document, reader);
 
-    job.run();
-    job.commit();
+    QCOMPARE(record.outcome, outcome);
+    QCOMPARE(record.reason, reason);
+    QCOMPARE(QFile::exists(folder.path("target/document.xml")), reason.isEmpty());
+}
 
-    QCOMPARE(job.record().outcome, outcome);
-    QCOMPARE(job.record().reason, reason);
-    QCOMPARE(QFile::exists(settings.targetOf(document.path)), reason.isEmpty());
+void DocumentJobTest::documentThatIsNoLongerTheOneThatWasReadIsNotCopied_data()
+{
+    QTest::addColumn<std::optional<QByteArray>>("after");
+    QTest::newRow("it is gone") << std::optional<QByteArray>();
+    QTest::newRow("it has grown") << std::optional(current() + "\n");
+    QTest::newRow("it has other bytes of the same number")
+        << std::optional(current().replace("S1", "S2"));
+}
+
+// With the time that it had, so that nothing but its bytes tells.
+void DocumentJobTest::documentThatIsNoLongerTheOneThatWasReadIsNotCopied()
+{
+    QFETCH(std::optional<QByteArray>, after);
+    const TestFolder folder;
+    folder.write("source/document.xml", current());
+    setTime(folder.path("source/document.xml"), BEFORE);
+
+    const DocumentRecord record = worked(settingsFor(folder), [&](const QByteArray& request) {
+        QByteArray answer = DocumentJob::answerOfReader(request);
+        QFile::remove(folder.path("source/document.xml"));
+        if (after) {
+            folder.write("source/document.xml", *after);
+            setTime(folder.path("source/document.xml"), BEFORE);
+        }
+        return answer;
+    });
+
+    QCOMPARE(record.outcome, DocumentRecord::FAILED);
+    QVERIFY(!record.reason.isEmpty() && !record.text.isEmpty());
+    QVERIFY(!record.target);
+    QCOMPARE(namesIn(folder.path("target")), QStringList());
+}
+
+void DocumentJobTest::documentThatIsGoneIsNotAskedFor()
+{
+    const TestFolder folder;
+
+    const DocumentRecord record = worked(settingsFor(folder), [](const QByteArray& /*request*/) {
+        DocumentRecord wrong;
+        wrong.outcome = DocumentRecord::CURRENT;
+        return wrong.toLine();
+    });
+
+    QCOMPARE(record.outcome, DocumentRecord::FAILED);
+    QCOMPARE(record.reason, QString("not-readable"));
+    QVERIFY(!record.source);
+    QVERIFY(!QFile::exists(folder.path("target/document.xml")));
+}
+
+void DocumentJobTest::outputThatFindsNoPlaceIsToldOf()
+{
+    const TestFolder folder;
+    folder.write("source/document.xml", current());
+    folder.write("target", "mine");
+
+    const DocumentRecord record = worked(settingsFor(folder), DocumentJob::answerOfReader);
+
+    QCOMPARE(record.outcome, DocumentRecord::FAILED);
+    QCOMPARE(record.reason, QString("not-written"));
+    QVERIFY(!record.target);
+    QCOMPARE(folder.read("target"), QByteArray("mine"));
+}
+
+void DocumentJobTest::copyThatFindsNoRoomIsToldOf()
+{
+    const TestFolder folder;
+    folder.write("source/document.xml", current());
+
+    DocumentRecord record;
+    {
+        const FileSizeLimit limit(static_cast<rlim_t>(current().size() - 1));
+        record = worked(settingsFor(folder), DocumentJob::answerOfReader);
+    }
+
+    QCOMPARE(record.outcome, DocumentRecord::FAILED);
+    QCOMPARE(record.reason, QString("not-written"));
+    QVERIFY2(record.text.contains(std::strerror(EFBIG)), qPrintable(record.text));
+    QVERIFY(!record.target);
+    QCOMPARE(namesIn(folder.path("target")), QStringList());
+}
+
+void DocumentJobTest::outputThatLosesItsFileIsNotWritten()
+{
+    const TestFolder folder;
+    folder.write("source/document.xml", sound());
+    folder.writeProgram("converter",
+                        "ln -sf /no/file '" + folder.path("target").toUtf8() + "'/.*.part");
+    ArchiveSettings settings = settingsFor(folder);
+    settings.converter = folder.path("converter");
+
+    const DocumentRecord record = worked(settings, DocumentJob::answerOfReader);
+
+    QCOMPARE(record.outcome, DocumentRecord::FAILED);
+    QCOMPARE(record.reason, QString("not-written"));
+    QVERIFY(!record.target);
+    QCOMPARE(namesIn(folder.path("target")), QStringList());
+}
+
+void DocumentJobTest::outputThatCannotBeVerifiedWithinItsLimitsIsNotWritten()
+{
+    const TestFolder folder;
+    folder.write("source/document.xml", sound());
+    folder.writeProgram("converter", "cat \"$1\"");
+    ArchiveSettings settings = settingsFor(folder);
+    settings.converter = folder.path("converter");
+    settings.verifies = true;
+
+    const DocumentRecord record = worked(settings, [](const QByteArray& request) {
+        if (request.contains('\0')) { // it names two documents, to be compared
+            throw std::bad_alloc();
+        }
+        return DocumentJob::answerOfReader(request);
+    });
+
+    QCOMPARE(record.outcome, DocumentRecord::LIMIT);
+    QCOMPARE(record.reason, QString("memory"));
+    QVERIFY(!record.target);
+    QCOMPARE(namesIn(folder.path("target")), QStringList());
 }
 
 QTEST_GUILESS_MAIN(DocumentJobTest)
