@@ -12,6 +12,7 @@
 #include <tinyxml2.h>
 
 #include <type_traits>
+#include <utility>
 
 namespace {
 
@@ -72,7 +73,7 @@ class PkCompatProfileTest : public QObject
 
 private slots:
     void newProfileHasItsDefaults();
-    void copiesAreMemberwise();
+    void copiesAndMovesAreMemberwise();
     void operationsStandInTheirSlots();
     void elementHasItsLayout();
     void defaultProfileIsWritten();
@@ -108,13 +109,17 @@ void PkCompatProfileTest::newProfileHasItsDefaults()
     QCOMPARE(static_cast<int>(EBF_CENTER_LIST), 2);
 }
 
-void PkCompatProfileTest::copiesAreMemberwise()
+void PkCompatProfileTest::copiesAndMovesAreMemberwise()
 {
     const PkCompatProfile original = filledProfile();
     const PkCompatProfile copy = original;
     PkCompatProfile assigned;
     assigned = original;
-    for (PkCompatProfile const& profile : {copy, assigned}) {
+    PkCompatProfile source = original;
+    const PkCompatProfile moved = std::move(source);
+    PkCompatProfile moveAssigned;
+    moveAssigned = PkCompatProfile(original);
+    for (PkCompatProfile const& profile : {copy, assigned, moved, moveAssigned}) {
         QCOMPARE(profile.name, original.name);
         QVERIFY(profile.id == original.id);
         QCOMPARE(profile.chCh, 350);

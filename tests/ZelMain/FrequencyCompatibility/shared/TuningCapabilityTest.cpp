@@ -16,6 +16,7 @@
 #include <sys/syscall.h>
 #include <type_traits>
 #include <unistd.h>
+#include <utility>
 
 static_assert(std::has_virtual_destructor_v<TuningCapability>);
 
@@ -66,7 +67,7 @@ private slots:
     void randomBytesBecomeAVersion4Id();
     void missingRandomBytesAreAnError();
     void givenIdIsKept();
-    void copyHasAllFields();
+    void copiesAndMovesHaveAllFields();
     void fileOperationsDoNothing();
     void operationsStandInTheirSlots();
 };
@@ -127,7 +128,7 @@ void TuningCapabilityTest::givenIdIsKept()
     QVERIFY(capability.subRanges.empty());
 }
 
-void TuningCapabilityTest::copyHasAllFields()
+void TuningCapabilityTest::copiesAndMovesHaveAllFields()
 {
     TuningCapability capability;
     capability.rangeStart = 470000;
@@ -139,7 +140,11 @@ void TuningCapabilityTest::copyHasAllFields()
     const TuningCapability copy(capability);
     TuningCapability assigned;
     assigned = capability;
-    for (const TuningCapability& each : {copy, assigned}) {
+    TuningCapability source(capability);
+    const TuningCapability moved(std::move(source));
+    TuningCapability moveAssigned;
+    moveAssigned = TuningCapability(capability);
+    for (const TuningCapability& each : {copy, assigned, moved, moveAssigned}) {
         QVERIFY(each.id == capability.id);
         QCOMPARE(each.rangeStart, 470000);
         QCOMPARE(each.rangeEnd, 480000);
