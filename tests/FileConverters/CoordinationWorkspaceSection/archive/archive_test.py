@@ -722,18 +722,6 @@ class TakingUp(ArchiveTest):
     def is_locked(self):
         return is_locked(self.archive.target)
 
-    def test_a_lock_that_cannot_be_taken_is_no_other_run(self):
-        self.archive.add("a.xml", CLEAN)
-        for name in ("lock", "jobs"):
-            with self.subTest(name):
-                lock = self.archive.target / ".coordworkspace" / name
-                lock.mkdir(parents=True)
-                run = self.run_archive(NOT_WRITTEN)
-                self.assertIn(f"{lock} cannot be written: Is a directory".encode(), run.stderr)
-                self.assertEqual((run.stdout, self.archive.targets()), (b"", {}))
-                lock.rmdir()
-        self.run_archive(DONE)
-
     def test_jobs_of_a_killed_run_keep_the_next_one_out(self):
         slow_programs(self)
         for number in range(4):
@@ -1175,7 +1163,8 @@ class Streams(ArchiveTest):
     def test_what_stands_in_the_place_of_a_runs_own_files(self):
         part = ".coordworkspace-report.jsonl.part"
         for name, put, told in (
-            ("lock", pathlib.Path.mkdir, ""),
+            ("lock", pathlib.Path.mkdir, "lock"),
+            ("jobs", pathlib.Path.mkdir, "jobs"),
             ("parallel", pathlib.Path.touch, "parallel"),
             ("pending.jsonl", pathlib.Path.mkdir, "report.jsonl"),
             ("report.jsonl", pathlib.Path.mkdir, "report.jsonl"),
