@@ -3,6 +3,7 @@
 #include "FileConverters/CoordinationWorkspaceSection/archive/jobs/ArchiveSettings.h"
 #include "FileConverters/CoordinationWorkspaceSection/archive/processes/BoundedServer.h"
 #include "tests/support/FileSizeLimit.h"
+#include "tests/support/Sanitizer.h"
 #include "tests/support/TestFolder.h"
 
 #include <QtTest>
@@ -16,7 +17,9 @@
 #include <optional>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 Q_DECLARE_METATYPE(DocumentRecord::Outcome)
 Q_DECLARE_METATYPE(std::optional<QByteArray>)
@@ -133,6 +136,7 @@ private slots:
     void documentThatIsGoneIsNotAskedFor();
     void outputThatFindsNoPlaceIsToldOf();
     void copyThatFindsNoRoomIsToldOf();
+    void copyThatCannotBeOpenedIsToldOf();
     void outputThatLosesItsFileIsNotWritten();
     void outputThatCannotBeVerifiedWithinItsLimitsIsNotWritten();
 };
@@ -379,6 +383,34 @@ void DocumentJobTest::copyThatFindsNoRoomIsToldOf()
     QVERIFY2(record.text.contains(std::strerror(EFBIG)), qPrintable(record.text));
     QVERIFY(!record.target);
     QCOMPARE(namesIn(folder.path("target")), QStringList());
+}
+
+void DocumentJobTest::copyThatCannotBeOpenedIsToldOf()
+{
+    if (IS_SANITIZED) {
+        QSKIP("a sanitizer looks at memory through descriptors");
+    }
+    const TestFolder folder;
+    folder.write("source/document.xml", current());
+    const ArchiveSettings settings = settingsFor(folder);
+    PlannedDocument document;
+    document.path = "document.xml";
+    BoundedServer reader(DocumentJob::answerOfReader);
+    reader.ask("begin", {}); // its pipes are open from here on
+    DocumentJob job(settings, document, reader);
+    const int next = dup(STDERR_FILENO);
+    close(next);
+    rlimit before{};
+    getrlimit(RLIMIT_NOFILE, &before);
+    const rlimit one{static_cast<rlim_t>(next) + 1, before.rlim_max}; // for the document only
+
+    setrlimit(RLIMIT_NOFILE, &one);
+    job.run();
+    setrlimit(RLIMIT_NOFILE, &before);
+
+    QCOMPARE(job.record().outcome, DocumentRecord::FAILED);
+    QCOMPARE(job.record().reason, QString("not-written"));
+    QVERIFY2(job.record().text.contains(std::strerror(EMFILE)), qPrintable(job.record().text));
 }
 
 void DocumentJobTest::outputThatLosesItsFileIsNotWritten()
