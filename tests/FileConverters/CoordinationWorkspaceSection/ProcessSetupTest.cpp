@@ -47,6 +47,8 @@ private slots:
     void filesAreUtf8WhateverTheLocale();
     void terminalsAreToldApart_data();
     void terminalsAreToldApart();
+    void closedStreamsFailAsTheyDid_data();
+    void closedStreamsFailAsTheyDid();
 };
 
 void ProcessSetupTest::argumentsStandBehindTheName_data()
@@ -116,6 +118,29 @@ void ProcessSetupTest::terminalsAreToldApart()
     close(master);
     QCOMPARE(isOutputTold, isOutput);
     QCOMPARE(isErrorTold, isError);
+}
+
+void ProcessSetupTest::closedStreamsFailAsTheyDid_data()
+{
+    QTest::addColumn<int>("stream");
+    QTest::addColumn<int>("access");
+    QTest::newRow("input cannot be read") << STDIN_FILENO << O_WRONLY;
+    QTest::newRow("output cannot be written") << STDOUT_FILENO << O_RDONLY;
+    QTest::newRow("errors cannot be written") << STDERR_FILENO << O_RDONLY;
+}
+
+// And no file that the program opens gets their numbers.
+void ProcessSetupTest::closedStreamsFailAsTheyDid()
+{
+    QFETCH(int, stream);
+    const RedirectedStream meanwhile(stream, "/dev/null");
+    ProcessSetup::keepClosedStreamsClosed();
+    const int open = fcntl(stream, F_GETFL) & O_ACCMODE;
+    close(stream);
+    ProcessSetup::keepClosedStreamsClosed();
+    const int closed = fcntl(stream, F_GETFL) & O_ACCMODE;
+    QCOMPARE(open, O_RDWR); // as it was
+    QTEST(closed, "access");
 }
 
 QTEST_GUILESS_MAIN(ProcessSetupTest)

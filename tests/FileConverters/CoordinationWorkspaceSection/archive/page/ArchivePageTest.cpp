@@ -26,6 +26,7 @@ private slots:
     void lossesAreToldByKind();
     void whyNothingWasWrittenIsTold();
     void filesThatAreNoDocumentsAndGoneOnesAreToldApart();
+    void eachOutcomeCanBeLeftOut();
     void spacingsAreToldBeforeAndAfter();
     void aReportWithoutSpacingsIsSaidToBeOne();
     void aDocumentShowsSoManySystemsAtMost();
@@ -288,6 +289,23 @@ void ArchivePageTest::filesThatAreNoDocumentsAndGoneOnesAreToldApart()
     QCOMPARE(files[0][1], QStringLiteral("no document"));
     QCOMPARE(files[1][1], QStringLiteral("gone"));
     QVERIFY(files[1][2].contains(QStringLiteral("in the archive no more")));
+}
+
+void ArchivePageTest::eachOutcomeCanBeLeftOut()
+{
+    const QDomElement tree = treeOf(pageOf(contentOf(
+        {recordOf("a", DocumentRecord::CONVERTED), recordOf("b", DocumentRecord::CONVERTED)})));
+    QStringList outcomes;
+    for (const QDomElement& input : elements(tree, "input")) {
+        if (input.attribute(QStringLiteral("type")) == QLatin1String("checkbox")) {
+            QVERIFY(input.hasAttribute(QStringLiteral("checked")));
+            outcomes.append(input.attribute(QStringLiteral("value")));
+        }
+    }
+    QCOMPARE(outcomes, QStringList({"converted", "current", "lossy", "refused", "limit", "failed",
+                                    "no-document", "gone"}));
+    QCOMPARE(elements(tree, "label")[0].text().trimmed(), QStringLiteral("converted (2)"));
+    QCOMPARE(elements(tree, "label")[1].text().trimmed(), QStringLiteral("current (0)"));
 }
 
 void ArchivePageTest::spacingsAreToldBeforeAndAfter()
