@@ -19,6 +19,7 @@ private slots:
     void whatIsToldAlreadyIsNotToldAgain();
     void whatDoesNotStandIsNotTold();
     void whatSomebodyHasPutInItsPlaceDoesNotStand();
+    void aReportThatCannotBeReadIsAFailure_data();
     void aReportThatCannotBeReadIsAFailure();
     void aTrialKnowsWhatStandsAndTellsNothing();
     void whatCannotBeToldIsAFailure();
@@ -125,9 +126,18 @@ void ArchiveHistoryTest::whatSomebodyHasPutInItsPlaceDoesNotStand()
     QVERIFY(history.find(untold.path) == nullptr);
 }
 
+void ArchiveHistoryTest::aReportThatCannotBeReadIsAFailure_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("what was reported") << "report.jsonl";
+    QTest::newRow("what is pending") << "pending.jsonl";
+}
+
 void ArchiveHistoryTest::aReportThatCannotBeReadIsAFailure()
 {
-    m_settings.report = QStringLiteral("/proc/self/mem"); // where each read fails
+    QFETCH(QString, name);
+    // Each read of it fails, as on a broken disk.
+    QVERIFY(QFile::link("/proc/self/mem", m_settings.folder() + '/' + name));
     ArchiveHistory history(m_settings);
     QVERIFY(!history.read());
     QCOMPARE(errno, EIO);
