@@ -47,7 +47,8 @@ def main():
     found = headers()
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         told = list(pool.map(lambda header: complaints(header, closest(header, entries)), found))
-    print(*filter(None, told), sep="\n")
+    for text in filter(None, told):
+        print(text)
     print(f"{len(found)} headers compiled by themselves")
     return 1 if any(told) or not found else 0
 

@@ -39,7 +39,7 @@ def main():
                 wrong.append(f"{name}: gone from {source}, or there several times: {place}")
             if not reason.strip():
                 wrong.append(f"{name}: no reason for a place in {source}: {place}")
-    print(*wrong, sep="\n")
+    print(*wrong, sep="\n", end="\n" if wrong else "")
     return 1 if wrong else 0
 
 
