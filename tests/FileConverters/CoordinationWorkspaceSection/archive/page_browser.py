@@ -127,11 +127,16 @@ LINE = json.dumps({
                  "spacings": {"imd_2t3o": {"before": 150, "after": 0}}}] * 2}) + "\n"
 
 
-def write_report(folder, count):
-    """A report of so many documents that are gone: a page tells of them as of the others."""
-    report = folder / "report.jsonl"
+def write_report(archive, count):
+    """A report of so many documents that are gone, whose targets are kept: a page tells of them as of
+    the others."""
+    report = archive.folder / "report.jsonl"
     with open(report, "w") as file:
-        file.writelines(LINE.replace("{}", f"{number:06}", 1) for number in range(count))
+        for number in range(count):
+            file.write(LINE.replace("{}", f"{number:06}", 1))
+            target = archive.target / f"{number:06}" / "a show.xml"
+            target.parent.mkdir(parents=True)
+            target.touch()
     return report
 
 
@@ -421,7 +426,7 @@ class ManyFiles(BrowserTest):
         cls.addClassCleanup(folder.cleanup)
         archive = Archive(folder.name, PROGRAMS / PROGRAM)
         archive.add("broken.xml", BROKEN)
-        cls.page = convert(archive, "--dry-run", f"--report={write_report(archive.folder, 2099)}")
+        cls.page = convert(archive, "--dry-run", f"--report={write_report(archive, 2099)}")
 
     def test_a_thousand_at_a_time(self):
         more = self.driver.find_element(By.ID, "more")
@@ -547,7 +552,7 @@ class Large(unittest.TestCase):
                 self.measure(Archive(folder, PROGRAMS / PROGRAM), count)
 
     def measure(self, archive, count):
-        report = write_report(archive.folder, count)
+        report = write_report(archive, count)
         seconds = []
         for options in ([], [f"--html={archive.folder / 'page.html'}"]):
             begin = time.monotonic()
