@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <utility>
+
 namespace {
 
 // A link is somebody else's, whatever it leads to.
@@ -20,7 +22,7 @@ bool isAsWritten(const QString& target, const std::optional<FileIdentity>& writt
 
 bool ArchiveHistory::read()
 {
-    const auto reported = ArchiveReport::read(m_settings.report);
+    auto reported = ArchiveReport::read(m_settings.report);
     if (!reported) {
         return false;
     }
@@ -28,7 +30,7 @@ bool ArchiveHistory::read()
     if (!pending) {
         return false;
     }
-    m_records = *reported;
+    m_records = std::move(*reported);
     m_untold = standingUntold(*pending);
     for (const DocumentRecord& record : m_untold) {
         m_records.insert(record.path, record);
